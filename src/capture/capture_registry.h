@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+#include <unordered_set>
+
+#include "storage/envelope_file.h"
+
+// Remembers which files the program itself wrote, by inode number, so that a
+// capture stays "ours" after it is renamed or moved within its volume while a
+// copy of it does not. Kept in the sealed registry.bin as a JSON array of
+// numbers. One shared instance, confined to the GUI thread; entries are never
+// pruned.
+class CaptureRegistry {
+public:
+    static CaptureRegistry& shared();
+
+    // Loads from `directory`/registry.bin after moving in, once, an older
+    // registry.json or registry.bin from `legacyDirectory`.
+    CaptureRegistry(const QString& directory, const QString& legacyDirectory);
+
+    CaptureRegistry(const CaptureRegistry&) = delete;
+    CaptureRegistry& operator=(const CaptureRegistry&) = delete;
+
+    // Adds the inode of the file at `filePath` and saves; a file that cannot
+    // be stat'ed is not recorded.
+    void record(const QString& filePath);
+
+    bool contains(quint64 inode) const { return capturedInodes_.contains(inode); }
+
+    void save();
+
+    QString filePath() const { return file_.path(); }
+
+private:
+    void load();
+
+    EnvelopeFile file_;
+    std::unordered_set<quint64> capturedInodes_;
+};

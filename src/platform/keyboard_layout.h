@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+// The current keyboard layout's label for a key, e.g. "Z" for the key left of
+// "X" on a German layout. Each windowing system has its own implementation.
+class KeyboardLayout {
+public:
+    virtual ~KeyboardLayout() = default;
+
+    // The upper-cased character the key types with no modifier held, or the
+    // fixed key name when the layout gives none (Return, Space, F-keys, …).
+    virtual QString keyLabel(quint32 keyCode) const = 0;
+
+    // Re-reads the layout (the user may have switched layouts since).
+    virtual void refresh() {}
+};
+
+// Used when no layout service is available: the fixed key names.
+class FixedKeyboardLayout : public KeyboardLayout {
+public:
+    QString keyLabel(quint32 keyCode) const override;
+};

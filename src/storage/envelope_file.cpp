@@ -1,0 +1,155 @@
+#include "storage/envelope_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include "storage/app_crypto.h"
+
+namespace {
+
+constexpr auto kFolderName = "Quillix";
+
+// Writes all of `data` to `fd`, retrying on short writes and interruptions.
+bool writeAll(int fd, const QByteArray& data) {
+    const char* cursor = data.constData();
+    qsizetype left = data.size();
+    while (left > 0) {
+        const ssize_t written = ::write(fd, cursor, static_cast<size_t>(left));
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        cursor += written;
+        left -= written;
+    }
+    return true;
+}
+
+// Makes the rename itself durable.
+void syncDirectory(const QString& directory) {
+    const int fd = ::open(QFile::encodeName(directory).constData(), O_RDONLY | O_DIRECTORY);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+}
+
+// The data folder holds the user's private state: create it 0700.
+void createPrivateDirectory(const QString& directory) {
+    if (QFileInfo::exists(directory)) {
+        return;
+    }
+    QDir().mkpath(directory);
+    ::chmod(QFile::encodeName(directory).constData(), 0700);
+}
+
+void moveLegacyFileIn(const QString& target, const QString& legacyDirectory,
+                      const QStringList& legacyNames) {
+    if (legacyDirectory.isEmpty()) {
+        return;
+    }
+    for (const QString& name : legacyNames) {
+        if (QFileInfo::exists(target)) {
+            return;
+        }
+        const QString legacy = QDir(legacyDirectory).filePath(name);
+        if (QFileInfo::exists(legacy)) {
+            QFile::rename(legacy, target);
+        }
+    }
+}
+
+QString firstFreeName(const QString& base) {
+    QString candidate = base;
+    for (int number = 2; QFileInfo::exists(candidate); ++number) {
+        candidate = base + QLatin1Char('-') + QString::number(number);
+    }
+    return candidate;
+}
+
+}  // namespace
+
+QString dataDirectory() {
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation))
+        .filePath(QLatin1String(kFolderName));
+}
+
+QString legacyDataDirectory() {
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation))
+        .filePath(QLatin1String(kFolderName));
+}
+
+std::optional<QByteArray> readEnvelopeFile(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    const QByteArray raw = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        return std::nullopt;
+    }
+    if (std::optional<QByteArray> plaintext = AppCrypto::decrypt(raw)) {
+        return plaintext;
+    }
+    return raw;
+}
+
+bool writeEnvelopeFile(const QString& path, const QByteArray& json) {
+    const std::optional<QByteArray> envelope = AppCrypto::encrypt(json);
+    if (!envelope) {
+        return false;
+    }
+    const QString directory = QFileInfo(path).absolutePath();
+    QByteArray temporaryPath = QFile::encodeName(path + QStringLiteral(".XXXXXX"));
+    const int fd = ::mkstemp(temporaryPath.data());  // created 0600
+    if (fd < 0) {
+        return false;
+    }
+    const bool written = writeAll(fd, *envelope) && ::fsync(fd) == 0;
+    const bool closed = ::close(fd) == 0;
+    if (!written || !closed ||
+        ::rename(temporaryPath.constData(), QFile::encodeName(path).constData()) != 0) {
+        ::unlink(temporaryPath.constData());
+        return false;
+    }
+    syncDirectory(directory);
+    return true;
+}
+
+EnvelopeFile::EnvelopeFile(const QString& directory, const QString& fileName,
+                           const QString& legacyDirectory, const QStringList& legacyNames)
+    : path_(QDir(directory).filePath(fileName)) {
+    createPrivateDirectory(directory);
+    moveLegacyFileIn(path_, legacyDirectory, legacyNames);
+}
+
+std::optional<QByteArray> EnvelopeFile::read() {
+    std::optional<QByteArray> plaintext = readEnvelopeFile(path_);
+    if (!plaintext && QFileInfo::exists(path_)) {
+        keepAsideBeforeWrite_ = true;
+    }
+    return plaintext;
+}
+
+bool EnvelopeFile::write(const QByteArray& json) {
+    // Never replace a damaged file that could not be kept aside.
+    if (keepAsideBeforeWrite_ && !keepDamagedCopy()) {
+        return false;
+    }
+    return writeEnvelopeFile(path_, json);
+}
+
+bool EnvelopeFile::keepDamagedCopy() {
+    const bool kept = !QFileInfo::exists(path_) ||
+                      QFile::copy(path_, firstFreeName(path_ + QStringLiteral(".unreadable")));
+    keepAsideBeforeWrite_ = !kept;
+    return kept;
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+// Where the program keeps its data files, and the one read rule and one write
+// rule that every store uses for them.
+
+// $XDG_DATA_HOME/Quillix (~/.local/share/Quillix).
+QString dataDirectory();
+
+// The XDG documents folder + /Quillix, where older versions kept their files.
+QString legacyDataDirectory();
+
+// The read rule: the opened envelope, else the raw bytes (older versions wrote
+// bare JSON); nothing when the file cannot be read at all.
+std::optional<QByteArray> readEnvelopeFile(const QString& path);
+
+// The write rule: seal the whole document and replace the file atomically
+// (temporary file beside it, flushed to disk, renamed over it). New files are
+// private to the user (0600). Returns false on any failure and leaves the
+// previous file untouched; callers drop the failure on purpose.
+bool writeEnvelopeFile(const QString& path, const QByteArray& json);
+
+// One store's data file. Computing its location creates the data folder
+// (private to the user) and moves older copies in from the legacy folder once.
+// A file that exists but cannot be read or decoded is copied aside as
+// NAME.unreadable before the next save replaces it, so damaged data or data
+// from a newer version is never lost.
+class EnvelopeFile {
+public:
+    // `legacyNames` are tried in order; the first one found is moved in when
+    // no file exists at the new location yet.
+    EnvelopeFile(const QString& directory, const QString& fileName,
+                 const QString& legacyDirectory = {}, const QStringList& legacyNames = {});
+
+    const QString& path() const { return path_; }
+
+    // The read rule on this file. A file that exists but cannot be read is
+    // kept aside before the next write.
+    std::optional<QByteArray> read();
+
+    // The store could not decode what read() returned.
+    void markUndecodable() { keepAsideBeforeWrite_ = true; }
+
+    // The write rule on this file, after keeping a damaged file aside (a
+    // damaged file that cannot be kept aside is not replaced).
+    bool write(const QByteArray& json);
+
+private:
+    bool keepDamagedCopy();
+
+    QString path_;
+    bool keepAsideBeforeWrite_ = false;
+};

@@ -1,0 +1,78 @@
+#include "storage/hotkey_config.h"
+
+namespace {
+
+std::size_t indexOf(HotkeyAction action) { return static_cast<std::size_t>(action); }
+
+}  // namespace
+
+const char* jsonKey(HotkeyAction action) {
+    switch (action) {
+        case HotkeyAction::openMenu:
+            return "openMenu";
+        case HotkeyAction::showHUD:
+            return "showHUD";
+        case HotkeyAction::captureArea:
+            return "captureArea";
+        case HotkeyAction::captureWindow:
+            return "captureWindow";
+        case HotkeyAction::captureScreen:
+            return "captureScreen";
+        case HotkeyAction::recordWindow:
+            return "recordWindow";
+        case HotkeyAction::recordScreen:
+            return "recordScreen";
+    }
+    return "";
+}
+
+HotkeyConfig HotkeyConfig::defaults() {
+    constexpr qint64 command = HotkeyBinding::kCommand;
+    constexpr qint64 shiftCommand = HotkeyBinding::kShift | HotkeyBinding::kCommand;
+    HotkeyConfig config;
+    config.bindings_ = {{
+        {18, shiftCommand},  // openMenu: ⇧⌘1
+        {19, shiftCommand},  // showHUD: ⇧⌘2
+        {19, command},       // captureArea: ⌘2
+        {20, command},       // captureWindow: ⌘3
+        {21, command},       // captureScreen: ⌘4
+        {22, command},       // recordWindow: ⌘6
+        {26, command},       // recordScreen: ⌘7
+    }};
+    return config;
+}
+
+const HotkeyBinding& HotkeyConfig::binding(HotkeyAction action) const {
+    return bindings_[indexOf(action)];
+}
+
+void HotkeyConfig::setBinding(HotkeyAction action, const HotkeyBinding& binding) {
+    bindings_[indexOf(action)] = binding;
+}
+
+nlohmann::ordered_json HotkeyConfig::toJson() const {
+    nlohmann::ordered_json json = nlohmann::ordered_json::object();
+    for (HotkeyAction action : kAllHotkeyActions) {
+        json[jsonKey(action)] = binding(action).toJson();
+    }
+    return json;
+}
+
+std::optional<HotkeyConfig> HotkeyConfig::fromJson(const nlohmann::ordered_json& json) {
+    if (!json.is_object()) {
+        return std::nullopt;
+    }
+    HotkeyConfig config;
+    for (HotkeyAction action : kAllHotkeyActions) {
+        const auto member = json.find(jsonKey(action));
+        if (member == json.end()) {
+            return std::nullopt;
+        }
+        const std::optional<HotkeyBinding> binding = HotkeyBinding::fromJson(*member);
+        if (!binding) {
+            return std::nullopt;
+        }
+        config.setBinding(action, *binding);
+    }
+    return config;
+}

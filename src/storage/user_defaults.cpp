@@ -1,0 +1,114 @@
+#include "storage/user_defaults.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
+namespace {
+
+constexpr auto kLaunchAtLogin = "launchAtLogin";
+constexpr auto kShowHUDOnCapture = "showHUDOnCapture";
+constexpr auto kAutoDismissSeconds = "autoDismissSeconds";
+constexpr auto kCustomAppIconPath = "customAppIconPath";
+constexpr auto kCheckForUpdatesAutomatically = "checkForUpdatesAutomatically";
+constexpr auto kMaxScreenshots = "maxScreenshots";
+constexpr auto kAutoClearDays = "autoClearDays";
+constexpr auto kCustomSaveFolder = "customSaveFolder";
+constexpr auto kHasSeenOnboarding = "hasSeenOnboarding";
+
+QString defaultsFilePath() {
+    return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation))
+        .filePath(QStringLiteral("Quillix/Quillix.conf"));
+}
+
+}  // namespace
+
+UserDefaults& UserDefaults::shared() {
+    static UserDefaults* instance = new UserDefaults(defaultsFilePath());
+    return *instance;
+}
+
+UserDefaults::UserDefaults(const QString& filePath, QObject* parent)
+    : QObject(parent), settings_(filePath, QSettings::IniFormat) {}
+
+void UserDefaults::store(const char* key, const QVariant& value) {
+    settings_.setValue(QLatin1String(key), value);
+    settings_.sync();
+    Q_EMIT valueChanged(QLatin1String(key));
+}
+
+void UserDefaults::remove(const char* key) {
+    settings_.remove(QLatin1String(key));
+    settings_.sync();
+    Q_EMIT valueChanged(QLatin1String(key));
+}
+
+bool UserDefaults::launchAtLogin() const {
+    return settings_.value(QLatin1String(kLaunchAtLogin), kLaunchAtLoginDefault).toBool();
+}
+
+void UserDefaults::setLaunchAtLogin(bool enabled) { store(kLaunchAtLogin, enabled); }
+
+bool UserDefaults::showHUDOnCapture() const {
+    return settings_.value(QLatin1String(kShowHUDOnCapture), kShowHUDOnCaptureDefault).toBool();
+}
+
+void UserDefaults::setShowHUDOnCapture(bool enabled) { store(kShowHUDOnCapture, enabled); }
+
+double UserDefaults::autoDismissSeconds() const {
+    const double seconds = settings_.value(QLatin1String(kAutoDismissSeconds)).toDouble();
+    return seconds > 0 ? seconds : kAutoDismissSecondsDefault;
+}
+
+void UserDefaults::setAutoDismissSeconds(double seconds) { store(kAutoDismissSeconds, seconds); }
+
+QString UserDefaults::customAppIconPath() const {
+    return settings_.value(QLatin1String(kCustomAppIconPath)).toString();
+}
+
+void UserDefaults::setCustomAppIconPath(const QString& path) { store(kCustomAppIconPath, path); }
+
+bool UserDefaults::checkForUpdatesAutomatically() const {
+    return settings_
+        .value(QLatin1String(kCheckForUpdatesAutomatically), kCheckForUpdatesAutomaticallyDefault)
+        .toBool();
+}
+
+void UserDefaults::setCheckForUpdatesAutomatically(bool enabled) {
+    store(kCheckForUpdatesAutomatically, enabled);
+}
+
+int UserDefaults::maxScreenshots() const {
+    const int count = settings_.value(QLatin1String(kMaxScreenshots)).toInt();
+    return count >= 1 ? count : kMaxScreenshotsDefault;
+}
+
+void UserDefaults::setMaxScreenshots(int count) { store(kMaxScreenshots, count); }
+
+int UserDefaults::autoClearDays() const {
+    const int days = settings_.value(QLatin1String(kAutoClearDays)).toInt();
+    return days >= 1 ? days : kAutoClearDaysDefault;
+}
+
+void UserDefaults::setAutoClearDays(int days) { store(kAutoClearDays, days); }
+
+std::optional<QString> UserDefaults::customSaveFolder() const {
+    const QVariant folder = settings_.value(QLatin1String(kCustomSaveFolder));
+    if (!folder.isValid()) {
+        return std::nullopt;
+    }
+    return folder.toString();
+}
+
+void UserDefaults::setCustomSaveFolder(const std::optional<QString>& folder) {
+    if (folder) {
+        store(kCustomSaveFolder, *folder);
+    } else {
+        remove(kCustomSaveFolder);
+    }
+}
+
+bool UserDefaults::hasSeenOnboarding() const {
+    return settings_.value(QLatin1String(kHasSeenOnboarding), false).toBool();
+}
+
+void UserDefaults::setHasSeenOnboarding(bool seen) { store(kHasSeenOnboarding, seen); }

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QObject>
+#include <QSettings>
+#include <QString>
+#include <optional>
+
+// The simple per-user preferences kept outside settings.bin, in
+// $XDG_CONFIG_HOME/Quillix/Quillix.conf. This class is the only place that
+// spells their keys; each accessor applies the key's reading rule (for
+// example a "maxScreenshots" below 1 reads as 200). One shared instance,
+// confined to the GUI thread.
+class UserDefaults : public QObject {
+    Q_OBJECT
+
+public:
+    static UserDefaults& shared();
+
+    // Reads and writes the given INI file (tests pass their own).
+    explicit UserDefaults(const QString& filePath, QObject* parent = nullptr);
+
+    // Declared defaults, as the settings views show them.
+    static constexpr bool kLaunchAtLoginDefault = false;
+    static constexpr bool kShowHUDOnCaptureDefault = true;
+    static constexpr double kAutoDismissSecondsDefault = 7.0;
+    static constexpr bool kCheckForUpdatesAutomaticallyDefault = true;
+    static constexpr int kMaxScreenshotsDefault = 200;
+    static constexpr int kAutoClearDaysDefault = 30;
+
+    bool launchAtLogin() const;
+    void setLaunchAtLogin(bool enabled);
+
+    // Stored and shown by the settings; nothing else consults it.
+    bool showHUDOnCapture() const;
+    void setShowHUDOnCapture(bool enabled);
+
+    // Seconds the capture HUD stays up; 0 or less reads as 7.
+    double autoDismissSeconds() const;
+    void setAutoDismissSeconds(double seconds);
+
+    // Image file for the tray icon; empty means the built-in icon.
+    QString customAppIconPath() const;
+    void setCustomAppIconPath(const QString& path);
+
+    bool checkForUpdatesAutomatically() const;
+    void setCheckForUpdatesAutomatically(bool enabled);
+
+    // The most captures listed and kept; below 1 reads as 200.
+    int maxScreenshots() const;
+    void setMaxScreenshots(int count);
+
+    // Age in days after which captures are cleared at launch; below 1 reads as 30.
+    int autoClearDays() const;
+    void setAutoClearDays(int days);
+
+    // Where captures are written; nothing means the default save folder.
+    std::optional<QString> customSaveFolder() const;
+    void setCustomSaveFolder(const std::optional<QString>& folder);
+
+    bool hasSeenOnboarding() const;
+    void setHasSeenOnboarding(bool seen);
+
+Q_SIGNALS:
+    // `key` is the stored key name, e.g. "maxScreenshots".
+    void valueChanged(const QString& key);
+
+private:
+    void store(const char* key, const QVariant& value);
+    void remove(const char* key);
+
+    mutable QSettings settings_;
+};

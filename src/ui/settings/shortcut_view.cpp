@@ -1,0 +1,58 @@
+#include "ui/settings/shortcut_view.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+
+#include "platform/platform_services.h"
+
+ShortcutView::ShortcutView(const HotkeyBinding& binding, QWidget* parent)
+    : ShortcutView(binding, PlatformServices::instance().keyboardLayout(), parent) {}
+
+ShortcutView::ShortcutView(const HotkeyBinding& binding, const KeyboardLayout& layout,
+                           QWidget* parent)
+    : QWidget(parent) {
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(1);
+    row->setAlignment(Qt::AlignVCenter);
+
+    // This order differs from the text form's (⌃⌥⇧⌘) on purpose.
+    static constexpr std::pair<qint64, const char*> kGlyphs[] = {
+        {HotkeyBinding::kCommand, "⌘"},
+        {HotkeyBinding::kShift, "⇧"},
+        {HotkeyBinding::kOption, "⌥"},
+        {HotkeyBinding::kControl, "⌃"},
+    };
+    for (const auto& [bit, glyph] : kGlyphs) {
+        if (binding.modifiers & bit) {
+            addLabel(QString::fromUtf8(glyph), 9, QFont::Medium);
+        }
+    }
+    addLabel(layout.keyLabel(binding.keyCode), 10, QFont::Medium);
+
+    setAccessibleName(displayString(binding));
+    setToolTip(displayString(binding));
+}
+
+void ShortcutView::addLabel(const QString& text, int pointSize, QFont::Weight weight) {
+    auto* label = new QLabel(text, this);
+    QFont font = label->font();
+    font.setStyleHint(QFont::Monospace);
+    font.setFamily(QStringLiteral("monospace"));
+    font.setPointSize(pointSize);
+    font.setWeight(weight);
+    label->setFont(font);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, palette.color(QPalette::PlaceholderText));
+    label->setPalette(palette);
+    label->setAccessibleName(text);
+    layout()->addWidget(label);
+}
+
+QString ShortcutView::shownText() const {
+    QString text;
+    for (const QLabel* label : findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly)) {
+        text += label->text();
+    }
+    return text;
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QWidget>
+
+#include "storage/hotkey_binding.h"
+
+class KeyboardLayout;
+class QLabel;
+
+// A compact, read-only picture of one binding: the modifier glyphs in the
+// order ⌘ ⇧ ⌥ ⌃, then the key as the current keyboard layout labels it, in a
+// small monospaced font and a muted colour.
+class ShortcutView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ShortcutView(const HotkeyBinding& binding, QWidget* parent = nullptr);
+    // Tests pass a fixed layout; the program uses the platform's.
+    ShortcutView(const HotkeyBinding& binding, const KeyboardLayout& layout,
+                 QWidget* parent = nullptr);
+
+    // The glyphs and key label as shown, e.g. "⌘⇧1".
+    QString shownText() const;
+
+private:
+    void addLabel(const QString& text, int pointSize, QFont::Weight weight);
+};

@@ -1,0 +1,135 @@
+"""Helpers for end-to-end tests that run the real program in the virtual desktop.
+
+Each test gets a fresh HOME with its own XDG folders, starts the program there,
+reads its log from a file (never from a pipe) and stops it by PID.
+"""
+import hashlib
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "storage"))
+import aesgcm_peer  # noqa: E402  (the independent envelope implementation)
+
+seal = aesgcm_peer.seal
+open_envelope = aesgcm_peer.open_envelope
+
+
+def wait_until(predicate, timeout=20.0, interval=0.05, what="condition"):
+    deadline = time.monotonic() + timeout
+    while time.monotonic() < deadline:
+        value = predicate()
+        if value:
+            return value
+        time.sleep(interval)
+    raise AssertionError(f"timed out after {timeout:.0f} s waiting for {what}")
+
+
+class FreshHome:
+    """A temporary HOME with Desktop, Documents, Pictures and Videos."""
+
+    def __init__(self):
+        self.root = tempfile.mkdtemp(prefix="quillix-e2e-")
+        self.home = os.path.join(self.root, "home")
+        self.folders = {}
+        for name in ("Desktop", "Documents", "Pictures", "Videos"):
+            path = os.path.join(self.home, name)
+            os.makedirs(path)
+            self.folders[name] = path
+        os.makedirs(os.path.join(self.folders["Pictures"], "Screenshots"))
+        self.config = os.path.join(self.home, ".config")
+        self.data = os.path.join(self.home, ".local", "share")
+        os.makedirs(self.config)
+        os.makedirs(self.data)
+        with open(os.path.join(self.config, "user-dirs.dirs"), "w") as dirs:
+            for key, name in (("DESKTOP", "Desktop"), ("DOCUMENTS", "Documents"),
+                              ("PICTURES", "Pictures"), ("VIDEOS", "Videos")):
+                dirs.write(f'XDG_{key}_DIR="$HOME/{name}"\n')
+        runtime = os.path.join(self.root, "runtime")
+        os.makedirs(runtime, mode=0o700)
+        self.env = dict(os.environ)
+        self.env.update({
+            "HOME": self.home,
+            "XDG_CONFIG_HOME": self.config,
+            "XDG_DATA_HOME": self.data,
+            "XDG_CACHE_HOME": os.path.join(self.home, ".cache"),
+            "XDG_STATE_HOME": os.path.join(self.home, ".local", "state"),
+            "XDG_RUNTIME_DIR": runtime,
+        })
+        for key in ("XDG_DESKTOP_DIR", "XDG_DOCUMENTS_DIR", "XDG_PICTURES_DIR",
+                    "XDG_VIDEOS_DIR"):
+            self.env.pop(key, None)
+
+    @property
+    def data_dir(self):
+        return os.path.join(self.data, "Quillix")
+
+    def cleanup(self):
+        shutil.rmtree(self.root, ignore_errors=True)
+
+
+class RunningApp:
+    """The program started in a FreshHome; its output goes to a log file."""
+
+    def __init__(self, binary, home):
+        self.home = home
+        self.log_path = os.path.join(home.root, "quillix.log")
+        self.log = open(self.log_path, "wb")
+        self.process = subprocess.Popen([binary], env=home.env, stdout=self.log,
+                                        stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL)
+
+    def output(self):
+        with open(self.log_path, "rb") as log:
+            return log.read().decode("utf-8", "replace")
+
+    def alive(self):
+        return self.process.poll() is None
+
+    def stop(self):
+        if self.alive():
+            self.process.send_signal(signal.SIGTERM)
+            try:
+                self.process.wait(timeout=10)
+            except subprocess.TimeoutExpired:
+                self.process.kill()
+                self.process.wait()
+        self.log.close()
+        return self.process.returncode
+
+
+def window_tree():
+    return subprocess.run(["xwininfo", "-root", "-tree"], capture_output=True, text=True,
+                          check=True).stdout
+
+
+def tray_icon_embedded(binary_name="quillix"):
+    """Whether a window of the program sits inside trayer's panel."""
+    inside_tray = False
+    tray_indent = None
+    for line in window_tree().splitlines():
+        indent = len(line) - len(line.lstrip())
+        if '("panel" "trayer")' in line or '("trayer" ' in line:
+            inside_tray, tray_indent = True, indent
+            continue
+        if inside_tray and indent <= tray_indent and line.strip():
+            inside_tray = False
+        if inside_tray and f'("{binary_name}"' in line:
+            return True
+    return False
+
+
+def storage_key():
+    return hashlib.sha256(aesgcm_peer.PASSPHRASE).digest()
+
+
+def try_open_file(path):
+    """The plaintext of a sealed file, or None while it is missing or not sealed."""
+    try:
+        with open(path, "rb") as sealed:
+            return open_envelope(sealed.read())
+    except (OSError, aesgcm_peer.InvalidTag):
+        return None

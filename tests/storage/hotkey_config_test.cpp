@@ -1,0 +1,100 @@
+#include "storage/hotkey_config.h"
+
+#include <gtest/gtest.h>
+
+#include "storage/json_codec.h"
+
+namespace {
+
+constexpr qint64 kCmd = HotkeyBinding::kCommand;
+constexpr qint64 kShift = HotkeyBinding::kShift;
+constexpr qint64 kOpt = HotkeyBinding::kOption;
+constexpr qint64 kCtrl = HotkeyBinding::kControl;
+
+constexpr char kDefaultHotkeysJson[] =
+    R"({"openMenu":{"keyCode":18,"modifiers":768},"showHUD":{"keyCode":19,"modifiers":768},)"
+    R"("captureArea":{"keyCode":19,"modifiers":256},"captureWindow":{"keyCode":20,"modifiers":256},)"
+    R"("captureScreen":{"keyCode":21,"modifiers":256},"recordWindow":{"keyCode":22,"modifiers":256},)"
+    R"("recordScreen":{"keyCode":26,"modifiers":256}})";
+
+TEST(HotkeyBindingText, ModifierGlyphsComeInTheFixedOrder) {
+    EXPECT_EQ(displayString({19, kCmd}), "⌘2");
+    EXPECT_EQ(displayString({18, kShift | kCmd}), "⇧⌘1");
+    EXPECT_EQ(displayString({49, kCtrl | kOpt}), "⌃⌥Space");
+    EXPECT_EQ(displayString({0, kCmd | kShift | kOpt | kCtrl}), "⌃⌥⇧⌘A");
+    EXPECT_EQ(displayString({36, kCmd}), "⌘↩");
+    EXPECT_EQ(displayString({53, 0}), "(53)");
+}
+
+TEST(HotkeyBindingText, UnknownModifierBitsAreNotShown) {
+    EXPECT_EQ(displayString({20, kCmd | 0x1 | 0x400 | 0x20000}), "⌘3");
+}
+
+TEST(HotkeyBindingText, KeyNameTable) {
+    const std::pair<quint32, const char*> expected[] = {
+        {0, "A"},   {6, "Z"},   {11, "B"},   {16, "Y"},   {22, "6"},   {23, "5"},
+        {29, "0"},  {36, "↩"},  {48, "⇥"},   {49, "Space"}, {96, "F5"}, {99, "F3"},
+        {118, "F4"}, {120, "F2"}, {122, "F1"}, {10, "(10)"}, {24, "(24)"}, {53, "(53)"},
+        {101, "(101)"}, {123, "(123)"}, {1099, "(1099)"},
+    };
+    for (const auto& [code, name] : expected) {
+        EXPECT_EQ(keyName(code), QString::fromUtf8(name)) << code;
+    }
+}
+
+TEST(HotkeyBindingEquality, ComparesKeyAndMask) {
+    EXPECT_EQ((HotkeyBinding{19, kCmd}), (HotkeyBinding{19, kCmd}));
+    EXPECT_NE((HotkeyBinding{19, kCmd}), (HotkeyBinding{19, kCmd | kShift}));
+    EXPECT_NE((HotkeyBinding{19, kCmd}), (HotkeyBinding{20, kCmd}));
+}
+
+TEST(HotkeyConfigJson, DefaultsEncodeInTheFixedMemberOrder) {
+    EXPECT_EQ(encodeJson(HotkeyConfig::defaults().toJson()), QByteArray(kDefaultHotkeysJson));
+}
+
+TEST(HotkeyConfigJson, RoundTripKeepsUnknownModifierBits) {
+    HotkeyConfig config = HotkeyConfig::defaults();
+    config.setBinding(HotkeyAction::captureScreen, {1049, kCtrl | 0x40000});
+    const auto decoded = HotkeyConfig::fromJson(*decodeJson(encodeJson(config.toJson())));
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(*decoded, config);
+    EXPECT_EQ(decoded->binding(HotkeyAction::captureScreen).modifiers, kCtrl | 0x40000);
+}
+
+TEST(HotkeyConfigJson, EveryActionIsRequired) {
+    for (HotkeyAction missing : kAllHotkeyActions) {
+        nlohmann::ordered_json json = HotkeyConfig::defaults().toJson();
+        json.erase(jsonKey(missing));
+        EXPECT_FALSE(HotkeyConfig::fromJson(json)) << jsonKey(missing);
+    }
+}
+
+TEST(HotkeyConfigJson, MalformedBindingsFail) {
+    const char* badBindings[] = {
+        R"({"keyCode":19})",
+        R"({"modifiers":256})",
+        R"({"keyCode":"19","modifiers":256})",
+        R"({"keyCode":-1,"modifiers":256})",
+        R"({"keyCode":4294967296,"modifiers":256})",
+        R"({"keyCode":19.5,"modifiers":256})",
+        R"({"keyCode":19,"modifiers":null})",
+        R"([19,256])",
+    };
+    for (const char* bad : badBindings) {
+        nlohmann::ordered_json json = HotkeyConfig::defaults().toJson();
+        json["showHUD"] = *decodeJson(bad);
+        EXPECT_FALSE(HotkeyConfig::fromJson(json)) << bad;
+    }
+}
+
+TEST(HotkeyConfigJson, ExtraMembersAreIgnoredAndOrderDoesNotMatter) {
+    const auto json = decodeJson(
+        R"({"recordScreen":{"modifiers":256,"keyCode":26,"x":1},"recordWindow":{"keyCode":22,"modifiers":256},)"
+        R"("captureScreen":{"keyCode":21,"modifiers":256},"captureWindow":{"keyCode":20,"modifiers":256},)"
+        R"("captureArea":{"keyCode":19,"modifiers":256},"showHUD":{"keyCode":19,"modifiers":768},)"
+        R"("openMenu":{"keyCode":18,"modifiers":768},"future":true})");
+    ASSERT_TRUE(json);
+    EXPECT_EQ(HotkeyConfig::fromJson(*json), HotkeyConfig::defaults());
+}
+
+}  // namespace
