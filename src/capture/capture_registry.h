@@ -28,6 +28,9 @@ public:
 
     bool contains(quint64 inode) const { return capturedInodes_.contains(inode); }
 
+    // A copy for scans on worker threads, which must not touch the registry.
+    std::unordered_set<quint64> inodes() const { return capturedInodes_; }
+
     void save();
 
     QString filePath() const { return file_.path(); }
