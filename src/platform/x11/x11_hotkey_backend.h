@@ -1,0 +1,66 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <QAbstractNativeEventFilter>
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "platform/hotkey_backend.h"
+
+// Global hotkeys as passive key grabs on the root window. Each combination is
+// grabbed four times, with and without CapsLock and NumLock, so that the
+// locks do not disable it. Presses reach the program through Qt's own event
+// stream (a native event filter), so `connection` must be the one Qt uses.
+class X11HotkeyBackend : public HotkeyBackend, private QAbstractNativeEventFilter {
+    Q_OBJECT
+
+public:
+    // X error codes used as statuses.
+    static constexpr int kBadValue = 2;    // the key or mask cannot be grabbed at all
+    static constexpr int kBadAccess = 10;  // another client (or another id) holds it
+
+    // Nothing without a usable X connection. Installs the event filter on the
+    // running QCoreApplication.
+    static std::unique_ptr<X11HotkeyBackend> create(xcb_connection_t* connection,
+                                                    xcb_window_t root);
+    // The same for the connection and default screen of the running
+    // QGuiApplication; nothing when it does not run on X11.
+    static std::unique_ptr<X11HotkeyBackend> createForApplication();
+    ~X11HotkeyBackend() override;
+
+    int grab(quint32 id, quint32 keyCode, quint32 modifiers) override;
+    void ungrabAll() override;
+
+private:
+    // Where the logical modifiers sit among X's eight modifier bits on this server.
+    struct ModifierMasks {
+        quint16 numLock = XCB_MOD_MASK_2;
+        quint16 super = XCB_MOD_MASK_4;
+        quint16 alt = XCB_MOD_MASK_1;
+    };
+
+    struct Grab {
+        quint32 id = 0;
+        xcb_keycode_t keycode = 0;
+        quint16 modifiers = 0;  // X modifier bits, without the lock variants
+        std::vector<quint16> heldVariants;
+    };
+
+    X11HotkeyBackend(xcb_connection_t* connection, xcb_window_t root);
+
+    bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
+
+    void readModifierMasks();
+    quint16 xModifiersFor(quint32 modifiers) const;
+    std::array<quint16, 4> lockVariants() const;
+    bool isHeld(xcb_keycode_t keycode, quint16 modifiers) const;
+    int grabVariants(Grab& grab);
+    void ungrabVariants(const Grab& grab);
+
+    xcb_connection_t* connection_;  // Qt's connection, not owned
+    xcb_window_t root_;
+    ModifierMasks masks_;
+    std::vector<Grab> grabs_;
+};

@@ -1,0 +1,345 @@
+#include "capture/hot_key_manager.h"
+
+#include <X11/keysym.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <xcb/xcb.h>
+#include <xcb/xcb_keysyms.h>
+
+#include <QGuiApplication>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <memory>
+
+#include "platform/x11/x11_hotkey_backend.h"
+#include "storage/user_settings.h"
+#include "support/test_support.h"
+
+namespace {
+
+// Modifier bits of the test desktop's keymap (Xvfb's default).
+constexpr quint16 kSuper = XCB_MOD_MASK_4;
+constexpr quint16 kNumLock = XCB_MOD_MASK_2;
+constexpr int kBadAccess = 10;
+
+// Redirects this process's standard output into a temporary file until
+// lines() is called, so the diagnostics the program really prints can be read.
+class StdoutCapture {
+public:
+    StdoutCapture() : file_(std::tmpfile()) {
+        std::fflush(stdout);
+        saved_ = ::dup(STDOUT_FILENO);
+        ::dup2(::fileno(file_), STDOUT_FILENO);
+    }
+    ~StdoutCapture() {
+        restore();
+        std::fclose(file_);
+    }
+    StdoutCapture(const StdoutCapture&) = delete;
+    StdoutCapture& operator=(const StdoutCapture&) = delete;
+
+    // The diagnostic lines printed since construction.
+    QStringList lines() {
+        restore();
+        QByteArray text;
+        ::lseek(::fileno(file_), 0, SEEK_SET);
+        char buffer[4096];
+        for (ssize_t count; (count = ::read(::fileno(file_), buffer, sizeof buffer)) > 0;) {
+            text.append(buffer, count);
+        }
+        QStringList result;
+        for (const QString& line : QString::fromUtf8(text).split('\n')) {
+            if (line.contains(QStringLiteral("Quillix: "))) {
+                result.append(line);
+            }
+        }
+        return result;
+    }
+
+private:
+    void restore() {
+        if (saved_ >= 0) {
+            std::fflush(stdout);
+            ::dup2(saved_, STDOUT_FILENO);
+            ::close(saved_);
+            saved_ = -1;
+        }
+    }
+
+    std::FILE* file_;
+    int saved_ = -1;
+};
+
+// Another X client on its own connection, competing for the same keys.
+class OtherXClient {
+public:
+    OtherXClient() : connection_(xcb_connect(nullptr, nullptr)) {
+        if (xcb_connection_has_error(connection_) == 0) {
+            root_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->root;
+            symbols_ = xcb_key_symbols_alloc(connection_);
+        }
+    }
+    ~OtherXClient() {
+        if (symbols_ != nullptr) {
+            xcb_key_symbols_free(symbols_);
+        }
+        xcb_disconnect(connection_);
+    }
+    OtherXClient(const OtherXClient&) = delete;
+    OtherXClient& operator=(const OtherXClient&) = delete;
+
+    bool connected() const { return symbols_ != nullptr; }
+
+    // The X error code of the grab, 0 when it succeeded.
+    int grab(xcb_keysym_t keysym, quint16 modifiers) {
+        const xcb_void_cookie_t cookie =
+            xcb_grab_key_checked(connection_, 0, root_, modifiers, keycodeOf(keysym),
+                                 XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+        xcb_generic_error_t* error = xcb_request_check(connection_, cookie);
+        const int code = error != nullptr ? error->error_code : 0;
+        std::free(error);
+        return code;
+    }
+
+private:
+    // Looked up in the server's keymap, independently of the program's table.
+    xcb_keycode_t keycodeOf(xcb_keysym_t keysym) {
+        xcb_keycode_t* keycodes = xcb_key_symbols_get_keycode(symbols_, keysym);
+        const xcb_keycode_t keycode = keycodes != nullptr ? keycodes[0] : 0;
+        std::free(keycodes);
+        return keycode;
+    }
+
+    xcb_connection_t* connection_;
+    xcb_window_t root_ = XCB_WINDOW_NONE;
+    xcb_key_symbols_t* symbols_ = nullptr;
+};
+
+bool pressKeys(const char* combination) {
+    return QProcess::execute(QStringLiteral("xdotool"),
+                             {QStringLiteral("key"), QLatin1String(combination)}) == 0;
+}
+
+// Switches a lock key on for the lifetime of the object.
+class LockKeyOn {
+public:
+    explicit LockKeyOn(const char* key) : key_(key) { EXPECT_TRUE(pressKeys(key_)); }
+    ~LockKeyOn() { pressKeys(key_); }
+    LockKeyOn(const LockKeyOn&) = delete;
+    LockKeyOn& operator=(const LockKeyOn&) = delete;
+
+private:
+    const char* key_;
+};
+
+QStringList registeredLines(std::initializer_list<std::pair<const char*, int>> entries) {
+    QStringList lines;
+    for (const auto& [shortcut, id] : entries) {
+        lines.append(QStringLiteral("✅ Quillix: hotkey %1 registered (id %2)")
+                         .arg(QString::fromUtf8(shortcut))
+                         .arg(id));
+    }
+    return lines;
+}
+
+QString failureLine(int id, int status) {
+    return QStringLiteral("⚠️ Quillix: failed to register hotkey id %1, error %2")
+        .arg(id)
+        .arg(status);
+}
+
+const QStringList kDefaultRegistrationLines =
+    registeredLines({{"⇧⌘1", 1}, {"⇧⌘2", 2}, {"⌘2", 3}, {"⌘3", 4}, {"⌘6", 5}, {"⌘7", 6}});
+
+class HotKeyManagerTest : public testing::Test {
+protected:
+    void SetUp() override {
+        backend = X11HotkeyBackend::createForApplication();
+        ASSERT_TRUE(backend) << "needs the xcb platform";
+        manager = std::make_unique<HotKeyManager>(*backend, settings);
+        manager->onTriggered = [this] { ++calls[HotKeyManager::kOpenMenuId]; };
+        manager->onShowHUD = [this] { ++calls[HotKeyManager::kShowHUDId]; };
+        manager->onCaptureArea = [this] { ++calls[HotKeyManager::kCaptureAreaId]; };
+        manager->onCaptureWindow = [this] { ++calls[HotKeyManager::kCaptureWindowId]; };
+        manager->onRecordWindow = [this] { ++calls[HotKeyManager::kRecordWindowId]; };
+        manager->onRecordScreen = [this] { ++calls[HotKeyManager::kRecordScreenId]; };
+        ASSERT_TRUE(other.connected());
+    }
+
+    QStringList registerAllLogged() {
+        StdoutCapture capture;
+        manager->registerAll();
+        return capture.lines();
+    }
+
+    // Presses the combination and waits until the callback of `id` has run
+    // once more.
+    bool pressReaches(const char* combination, quint32 id) {
+        const int before = calls[id];
+        return pressKeys(combination) && QTest::qWaitFor([&] { return calls[id] > before; }, 5000);
+    }
+
+    int totalCalls() const {
+        int total = 0;
+        for (const auto& [id, count] : calls) {
+            total += count;
+        }
+        return total;
+    }
+
+    TestFolder folder;
+    UserSettings settings{folder.dataDir(), folder.legacyDir()};
+    OtherXClient other;
+    std::unique_ptr<X11HotkeyBackend> backend;
+    std::unique_ptr<HotKeyManager> manager;
+    std::map<quint32, int> calls;
+};
+
+TEST_F(HotKeyManagerTest, RegistersSixDefaultsButNeverTheScreenBinding) {
+    EXPECT_EQ(registerAllLogged(), kDefaultRegistrationLines);
+    // ⌘4 stays free for other programs; the registered ones are held.
+    EXPECT_EQ(other.grab(XK_4, kSuper), 0);
+    EXPECT_EQ(other.grab(XK_2, kSuper), kBadAccess);
+    EXPECT_EQ(other.grab(XK_1, kSuper | XCB_MOD_MASK_SHIFT), kBadAccess);
+    EXPECT_EQ(other.grab(XK_7, kSuper | kNumLock), kBadAccess);
+}
+
+TEST_F(HotKeyManagerTest, RealPressesReachTheirCallbacksWhateverTheLocks) {
+    manager->registerAll();
+    ASSERT_TRUE(pressReaches("super+2", HotKeyManager::kCaptureAreaId));
+    ASSERT_TRUE(pressReaches("super+shift+1", HotKeyManager::kOpenMenuId));
+    {
+        const LockKeyOn numLock("Num_Lock");
+        EXPECT_TRUE(pressReaches("super+2", HotKeyManager::kCaptureAreaId));
+        EXPECT_TRUE(pressReaches("super+shift+1", HotKeyManager::kOpenMenuId));
+        const LockKeyOn capsLock("Caps_Lock");
+        EXPECT_TRUE(pressReaches("super+7", HotKeyManager::kRecordScreenId));
+    }
+    EXPECT_TRUE(pressReaches("super+shift+2", HotKeyManager::kShowHUDId));
+    EXPECT_EQ(calls[HotKeyManager::kCaptureAreaId], 2);
+    EXPECT_EQ(calls[HotKeyManager::kOpenMenuId], 2);
+    EXPECT_EQ(totalCalls(), 6);
+}
+
+TEST_F(HotKeyManagerTest, CallbacksRunAfterTheNativeDispatchHasReturned) {
+    manager->registerAll();
+    int callsWhenPressed = -1;
+    QObject::connect(backend.get(), &HotkeyBackend::pressed,
+                     [&] { callsWhenPressed = calls[HotKeyManager::kCaptureAreaId]; });
+    ASSERT_TRUE(pressReaches("super+2", HotKeyManager::kCaptureAreaId));
+    EXPECT_EQ(callsWhenPressed, 0);
+}
+
+TEST_F(HotKeyManagerTest, CombinationHeldElsewhereFailsAloneWithBadAccess) {
+    ASSERT_EQ(other.grab(XK_6, kSuper), 0);
+    QStringList expected = kDefaultRegistrationLines;
+    expected[4] = failureLine(5, kBadAccess);
+    EXPECT_EQ(registerAllLogged(), expected);
+
+    // The held key goes to the other client; the following ones still work.
+    ASSERT_TRUE(pressKeys("super+6"));
+    EXPECT_TRUE(pressReaches("super+7", HotKeyManager::kRecordScreenId));
+    EXPECT_TRUE(pressReaches("super+2", HotKeyManager::kCaptureAreaId));
+    EXPECT_EQ(calls[HotKeyManager::kRecordWindowId], 0);
+}
+
+// The other client holds only the NumLock variant, so two of the four grabs
+// succeed before one fails: those two must be given back.
+TEST_F(HotKeyManagerTest, PartlyHeldCombinationLeavesNoGrabBehind) {
+    ASSERT_EQ(other.grab(XK_6, kSuper | kNumLock), 0);
+    EXPECT_TRUE(registerAllLogged().contains(failureLine(5, kBadAccess)));
+    OtherXClient third;
+    EXPECT_EQ(third.grab(XK_6, kSuper), 0);
+    EXPECT_EQ(third.grab(XK_6, kSuper | XCB_MOD_MASK_LOCK), 0);
+}
+
+TEST_F(HotKeyManagerTest, ChangedBindingMovesTheGrab) {
+    // What the shell does on every change of the bindings.
+    QObject::connect(&settings, &UserSettings::hotkeysChanged, manager.get(),
+                     &HotKeyManager::registerAll);
+    manager->registerAll();
+
+    StdoutCapture capture;
+    settings.setHotkey(HotkeyAction::captureArea, {23, HotkeyBinding::kCommand});  // ⌘5
+    QStringList expected = kDefaultRegistrationLines;
+    expected[2] = registeredLines({{"⌘5", 3}})[0];
+    EXPECT_EQ(capture.lines(), expected);
+
+    EXPECT_TRUE(pressReaches("super+5", HotKeyManager::kCaptureAreaId));
+    EXPECT_EQ(other.grab(XK_2, kSuper), 0);
+    EXPECT_EQ(other.grab(XK_5, kSuper), kBadAccess);
+}
+
+TEST_F(HotKeyManagerTest, SecondActionOnTheSameCombinationFails) {
+    settings.setHotkey(HotkeyAction::showHUD,
+                       {18, HotkeyBinding::kShift | HotkeyBinding::kCommand});  // ⇧⌘1
+    QStringList expected = kDefaultRegistrationLines;
+    expected[1] = failureLine(2, kBadAccess);
+    EXPECT_EQ(registerAllLogged(), expected);
+
+    ASSERT_TRUE(pressReaches("super+shift+1", HotKeyManager::kOpenMenuId));
+    EXPECT_EQ(calls[HotKeyManager::kShowHUDId], 0);
+}
+
+TEST_F(HotKeyManagerTest, CaptureWindowPressWithoutCallbackDoesNothing) {
+    manager->onCaptureWindow = nullptr;
+    manager->registerAll();
+    QSignalSpy presses(backend.get(), &HotkeyBackend::pressed);
+    ASSERT_TRUE(pressKeys("super+3"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return presses.count() == 1; }, 5000));
+    EXPECT_EQ(presses.at(0).at(0).value<quint32>(), HotKeyManager::kCaptureWindowId);
+    // Queued calls run in order: once this one ran, the dispatch has too.
+    bool dispatched = false;
+    QMetaObject::invokeMethod(
+        manager.get(), [&] { dispatched = true; }, Qt::QueuedConnection);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return dispatched; }, 5000));
+    EXPECT_EQ(totalCalls(), 0);
+
+    manager->onCaptureWindow = [this] { ++calls[HotKeyManager::kCaptureWindowId]; };
+    EXPECT_TRUE(pressReaches("super+3", HotKeyManager::kCaptureWindowId));
+}
+
+TEST_F(HotKeyManagerTest, UngrabbableBindingsFailWithBadValue) {
+    StdoutCapture capture;
+    manager->registerHotkey(52, HotkeyBinding::kCommand, 3);          // no key at that position
+    manager->registerHotkey(1000 + 300, HotkeyBinding::kCommand, 4);  // beyond X keycodes
+    manager->registerHotkey(19, -1, 5);                               // damaged masks
+    manager->registerHotkey(19, qint64{1} << 32, 6);
+    manager->registerHotkey(19, HotkeyBinding::kCommand, 3);
+    EXPECT_EQ(capture.lines(), QStringList({failureLine(3, 2), failureLine(4, 2), failureLine(5, 2),
+                                            failureLine(6, 2), registeredLines({{"⌘2", 3}})[0]}));
+}
+
+TEST_F(HotKeyManagerTest, UnregisterAndDestructionReleaseEveryGrab) {
+    manager->registerAll();
+    manager->unregisterAll();
+    EXPECT_EQ(other.grab(XK_2, kSuper), 0);
+
+    OtherXClient third;
+    manager->registerAll();
+    EXPECT_EQ(third.grab(XK_1, kSuper | XCB_MOD_MASK_SHIFT), kBadAccess);
+    manager.reset();
+    EXPECT_EQ(third.grab(XK_1, kSuper | XCB_MOD_MASK_SHIFT), 0);
+    EXPECT_EQ(third.grab(XK_7, kSuper | kNumLock | XCB_MOD_MASK_LOCK), 0);
+}
+
+TEST(X11HotkeyBackend, NeedsAnXConnection) {
+    EXPECT_EQ(X11HotkeyBackend::create(nullptr, 1), nullptr);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    // Listing the tests happens without a desktop.
+    if (testing::GTEST_FLAG(list_tests)) {
+        return RUN_ALL_TESTS();
+    }
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QGuiApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}
