@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+// Desktop notifications: "Screenshot saved" after a capture, and the click on
+// it that opens the capture again. Each desktop has its own implementation.
+class Notifier : public QObject {
+    Q_OBJECT
+public:
+    using QObject::QObject;
+
+    // Whether a notification service is on the bus and answers ("authorised").
+    virtual bool isAuthorised() = 0;
+
+    // Posts at once: app name "Quillix", `summary`, `body`; `imagePath` (may be empty) is shown as
+    // the notification's image; a "default" action makes a click count. Never blocks the GUI
+    // thread.
+    virtual void post(const QString& summary, const QString& body, const QString& imagePath) = 0;
+
+Q_SIGNALS:
+    // The user clicked a notification we posted; `body` is that notification's body.
+    void activated(const QString& body);
+};
