@@ -5,15 +5,15 @@
 
 namespace {
 
-constexpr auto kLaunchAtLogin = "launchAtLogin";
-constexpr auto kShowHUDOnCapture = "showHUDOnCapture";
-constexpr auto kAutoDismissSeconds = "autoDismissSeconds";
-constexpr auto kCustomAppIconPath = "customAppIconPath";
-constexpr auto kCheckForUpdatesAutomatically = "checkForUpdatesAutomatically";
-constexpr auto kMaxScreenshots = "maxScreenshots";
-constexpr auto kAutoClearDays = "autoClearDays";
-constexpr auto kCustomSaveFolder = "customSaveFolder";
-constexpr auto kHasSeenOnboarding = "hasSeenOnboarding";
+constexpr auto kLaunchAtLogin = UserDefaults::Key::launchAtLogin;
+constexpr auto kShowHUDOnCapture = UserDefaults::Key::showHUDOnCapture;
+constexpr auto kAutoDismissSeconds = UserDefaults::Key::autoDismissSeconds;
+constexpr auto kCustomAppIconPath = UserDefaults::Key::customAppIconPath;
+constexpr auto kCheckForUpdatesAutomatically = UserDefaults::Key::checkForUpdatesAutomatically;
+constexpr auto kMaxScreenshots = UserDefaults::Key::maxScreenshots;
+constexpr auto kAutoClearDays = UserDefaults::Key::autoClearDays;
+constexpr auto kCustomSaveFolder = UserDefaults::Key::customSaveFolder;
+constexpr auto kHasSeenOnboarding = UserDefaults::Key::hasSeenOnboarding;
 
 QString defaultsFilePath() {
     return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation))

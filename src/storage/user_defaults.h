@@ -19,6 +19,19 @@ public:
     // Reads and writes the given INI file (tests pass their own).
     explicit UserDefaults(const QString& filePath, QObject* parent = nullptr);
 
+    // The stored key names, for code that reacts to valueChanged().
+    struct Key {
+        static constexpr const char* launchAtLogin = "launchAtLogin";
+        static constexpr const char* showHUDOnCapture = "showHUDOnCapture";
+        static constexpr const char* autoDismissSeconds = "autoDismissSeconds";
+        static constexpr const char* customAppIconPath = "customAppIconPath";
+        static constexpr const char* checkForUpdatesAutomatically = "checkForUpdatesAutomatically";
+        static constexpr const char* maxScreenshots = "maxScreenshots";
+        static constexpr const char* autoClearDays = "autoClearDays";
+        static constexpr const char* customSaveFolder = "customSaveFolder";
+        static constexpr const char* hasSeenOnboarding = "hasSeenOnboarding";
+    };
+
     // Declared defaults, as the settings views show them.
     static constexpr bool kLaunchAtLoginDefault = false;
     static constexpr bool kShowHUDOnCaptureDefault = true;

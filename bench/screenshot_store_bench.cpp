@@ -1,0 +1,215 @@
+// Measures the screenshot library on a full gallery: 200 own 1920 × 1080
+// screenshots on the Desktop. Prints the time of a cold scan (no thumbnails
+// cached), of a warm rescan (nothing changed), and what a storm of folder
+// events costs. Figures only; nothing here passes or fails on time.
+
+#include <sys/resource.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QImage>
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QTimer>
+#include <QtConcurrent/QtConcurrentMap>
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+#include "capture/capture_registry.h"
+#include "capture/screenshot_store.h"
+#include "storage/user_defaults.h"
+#include "storage/user_settings.h"
+
+namespace {
+
+constexpr int kFileCount = 200;
+constexpr int kColdRuns = 3;
+constexpr int kWarmRuns = 15;
+constexpr int kStormEvents = 100;
+
+// Something like a desktop screenshot: flat panels, gradients, hard edges
+// and one busy photo-like patch, different in every file.
+QImage screenshotLikeImage(int seed) {
+    QRandomGenerator random(quint32(seed) * 7919u + 1u);
+    QImage image(1920, 1080, QImage::Format_RGB32);
+    QPainter painter(&image);
+    QLinearGradient background(0, 0, 1920, 1080);
+    background.setColorAt(0, QColor::fromHsv(random.bounded(360), 90, 200));
+    background.setColorAt(1, QColor::fromHsv(random.bounded(360), 120, 80));
+    painter.fillRect(image.rect(), background);
+    for (int i = 0; i < 40; ++i) {
+        const QRect panel(random.bounded(1700), random.bounded(900), 60 + random.bounded(500),
+                          30 + random.bounded(300));
+        painter.fillRect(panel, QColor::fromRgb(random.generate() | 0xff000000u));
+        painter.setPen(QColor::fromRgb(random.generate()));
+        for (int line = panel.top() + 8; line < panel.bottom() - 4; line += 14) {
+            painter.drawLine(panel.left() + 6, line, panel.left() + 6 + random.bounded(200), line);
+        }
+    }
+    painter.end();
+    const QPoint patch(random.bounded(1500), random.bounded(700));
+    for (int y = 0; y < 300; ++y) {
+        auto* row = reinterpret_cast<QRgb*>(image.scanLine(patch.y() + y));
+        for (int x = 0; x < 400; ++x) {
+            row[patch.x() + x] = random.generate() | 0xff000000u;
+        }
+    }
+    return image;
+}
+
+void writeScreenshots(const QString& folder) {
+    QList<int> seeds;
+    for (int i = 0; i < kFileCount; ++i) {
+        seeds.append(i);
+    }
+    QtConcurrent::blockingMap(seeds, [&folder](int seed) {
+        screenshotLikeImage(seed).save(
+            QStringLiteral("%1/Screenshot_%2.png").arg(folder).arg(seed, 3, 10, QLatin1Char('0')),
+            "PNG");
+    });
+}
+
+double totalBytes(const QString& folder) {
+    qint64 total = 0;
+    for (const QFileInfo& info : QDir(folder).entryInfoList(QDir::Files)) {
+        total += info.size();
+    }
+    return double(total);
+}
+
+// CPU time of the whole process (all threads), in milliseconds.
+double processCpuMs() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e3 +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e3;
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+// Milliseconds from `start` until the store publishes its next scan.
+double timeUntilPublished(ScreenshotStore& store, const std::function<void()>& start) {
+    QElapsedTimer timer;
+    double elapsed = -1;
+    const QMetaObject::Connection connection =
+        QObject::connect(&store, &ScreenshotStore::scanPublished, [&] {
+            if (elapsed < 0) {
+                elapsed = timer.nsecsElapsed() / 1e6;
+            }
+        });
+    timer.start();
+    start();
+    store.waitForIdle(120000);
+    QObject::disconnect(connection);
+    return elapsed;
+}
+
+// Runs the event loop until `quietMs` pass without a published scan.
+void settle(ScreenshotStore& store, int quietMs) {
+    QEventLoop loop;
+    QTimer quiet;
+    quiet.setSingleShot(true);
+    QObject::connect(&quiet, &QTimer::timeout, &loop, &QEventLoop::quit);
+    QObject::connect(&store, &ScreenshotStore::scanPublished, &quiet,
+                     [&quiet, quietMs] { quiet.start(quietMs); });
+    quiet.start(quietMs);
+    loop.exec();
+    store.waitForIdle(120000);
+}
+
+struct StormFigures {
+    int scans = 0;
+    double settledMs = 0;
+};
+
+// `kStormEvents` entries created in the Desktop, `pauseMs` apart.
+StormFigures measureStorm(ScreenshotStore& store, const QString& desktop, const QString& tag,
+                          int pauseMs) {
+    const int before = store.publishedScanCount();
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < kStormEvents; ++i) {
+        QFile(QStringLiteral("%1/%2-%3.txt").arg(desktop, tag).arg(i)).open(QIODevice::WriteOnly);
+        if (pauseMs > 0) {
+            QThread::msleep(pauseMs);
+            QCoreApplication::processEvents();
+        }
+    }
+    store.waitForIdle(120000);
+    const double lastScanDoneMs = timer.nsecsElapsed() / 1e6;
+    settle(store, 500);
+    return {store.publishedScanCount() - before, lastScanDoneMs};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    QTemporaryDir home;
+    const QString desktop = home.filePath(QStringLiteral("Desktop"));
+    QDir().mkpath(desktop);
+    const QString dataDir = home.filePath(QStringLiteral("data/Quillix"));
+
+    QElapsedTimer generation;
+    generation.start();
+    writeScreenshots(desktop);
+    std::printf("setup: %d PNGs of 1920x1080 written in %.1f s (%.1f MB), %d threads\n", kFileCount,
+                generation.elapsed() / 1000.0, totalBytes(desktop) / 1e6,
+                QThread::idealThreadCount());
+
+    CaptureRegistry registry(dataDir, home.filePath(QStringLiteral("legacy")));
+    for (const QFileInfo& info : QDir(desktop).entryInfoList(QDir::Files)) {
+        registry.record(info.filePath());
+    }
+    UserSettings settings(dataDir, home.filePath(QStringLiteral("legacy")));
+    settings.setShowOnlyQuillixItems(true);
+    UserDefaults defaults(home.filePath(QStringLiteral("config/Quillix.conf")));
+    const QString screenshotsFolder = home.filePath(QStringLiteral("Pictures/Screenshots"));
+
+    std::vector<double> cold;
+    std::vector<double> coldCpu;
+    for (int run = 0; run < kColdRuns; ++run) {
+        QElapsedTimer timer;
+        const double cpuBefore = processCpuMs();
+        timer.start();
+        ScreenshotStore store(desktop, screenshotsFolder, registry, settings, defaults);
+        store.waitForIdle(120000);
+        cold.push_back(timer.nsecsElapsed() / 1e6);
+        coldCpu.push_back(processCpuMs() - cpuBefore);
+    }
+    std::printf("cold scan (200 files, thumbnails decoded): median %.0f ms of %d (", median(cold),
+                kColdRuns);
+    for (double ms : cold) {
+        std::printf(" %.0f", ms);
+    }
+    std::printf(" ), CPU %.0f ms = %.1f ms per file\n", median(coldCpu),
+                median(coldCpu) / kFileCount);
+
+    ScreenshotStore store(desktop, screenshotsFolder, registry, settings, defaults);
+    store.waitForIdle(120000);
+    std::vector<double> warm;
+    for (int run = 0; run < kWarmRuns; ++run) {
+        warm.push_back(timeUntilPublished(store, [&store] { store.refresh(); }));
+    }
+    std::printf("warm rescan (nothing changed): median %.2f ms of %d (min %.2f, max %.2f)\n",
+                median(warm), kWarmRuns, *std::min_element(warm.begin(), warm.end()),
+                *std::max_element(warm.begin(), warm.end()));
+
+    const StormFigures burst = measureStorm(store, desktop, QStringLiteral("burst"), 0);
+    std::printf("storm of %d folder events at once: %d scans, idle after %.1f ms\n", kStormEvents,
+                burst.scans, burst.settledMs);
+    const StormFigures spaced = measureStorm(store, desktop, QStringLiteral("spaced"), 2);
+    std::printf("storm of %d folder events 2 ms apart: %d scans, idle after %.1f ms\n",
+                kStormEvents, spaced.scans, spaced.settledMs);
+    std::printf("listed after the storms: %lld items\n",
+                static_cast<long long>(store.screenshots().size()));
+    return 0;
+}

@@ -1,0 +1,452 @@
+#include "capture/screenshot_store.h"
+
+#include <sys/stat.h>
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QFileSystemWatcher>
+#include <QImageReader>
+#include <QStandardPaths>
+#include <QThread>
+#include <QTimer>
+#include <QtConcurrent/QtConcurrentMap>
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <unordered_set>
+#include <vector>
+
+#include "capture/capture_registry.h"
+#include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
+#include "storage/user_defaults.h"
+#include "storage/user_settings.h"
+
+struct ScreenshotStore::ScanRequest {
+    QStringList folders;
+    bool onlyOwnCaptures = true;
+    // A copy taken on the GUI thread: the registry itself is not thread-safe.
+    std::unordered_set<quint64> ownInodes;
+    int limit = UserDefaults::kMaxScreenshotsDefault;
+    ThumbnailCache cache;
+    std::shared_ptr<const VideoFrameReader> videoFrameReader;
+};
+
+struct ScreenshotStore::ScanResult {
+    QList<ScreenshotItem> items;
+    ThumbnailCache cache;
+    int limit = UserDefaults::kMaxScreenshotsDefault;
+};
+
+namespace {
+
+bool isVideoSuffix(const QString& lowerSuffix) {
+    return lowerSuffix == QLatin1String("mp4") || lowerSuffix == QLatin1String("mov");
+}
+
+bool isCaptureSuffix(const QString& lowerSuffix) {
+    return lowerSuffix == QLatin1String("png") || isVideoSuffix(lowerSuffix);
+}
+
+QString normalizedPath(const QFileInfo& info) {
+    return QDir::cleanPath(info.absoluteFilePath());
+}
+
+// The birth time where the file system records one, else the modification
+// time; invalid when the file cannot be read at all.
+QDateTime creationDate(const QFileInfo& info) {
+    const QDateTime birth = info.birthTime();
+    return birth.isValid() ? birth : info.lastModified();
+}
+
+QSize fittedThumbnailSize(const QSize& size) {
+    const int longer = std::max(size.width(), size.height());
+    if (longer <= ScreenshotItem::kThumbnailMaxSide) {
+        return size;  // Never enlarged.
+    }
+    const double scale = double(ScreenshotItem::kThumbnailMaxSide) / longer;
+    return {std::max(1, int(std::lround(size.width() * scale))),
+            std::max(1, int(std::lround(size.height() * scale)))};
+}
+
+// Decodes at reduced size where the format allows it, turned upright by the
+// image's orientation tag.
+QImage imageThumbnail(const QString& path) {
+    QImageReader reader(path);
+    reader.setAutoTransform(true);
+    const QSize size = reader.size();
+    if (size.isValid()) {
+        reader.setScaledSize(fittedThumbnailSize(size));
+    }
+    QImage image = reader.read();
+    if (image.isNull()) {
+        return {};
+    }
+    const QSize fitted = fittedThumbnailSize(image.size());
+    return fitted == image.size()
+               ? image
+               : image.scaled(fitted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+QImage thumbnailFor(const QString& path, const QString& lowerSuffix,
+                    const VideoFrameReader& videoFrameReader) {
+    if (isVideoSuffix(lowerSuffix)) {
+        return videoFrameReader.firstFrame(path, ScreenshotItem::kThumbnailMaxSide);
+    }
+    return imageThumbnail(path);
+}
+
+std::optional<quint64> inodeOf(const QString& path) {
+    struct stat status {};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
+        return std::nullopt;
+    }
+    return static_cast<quint64>(status.st_ino);
+}
+
+// A listed file; its thumbnail is filled in after sorting and limiting.
+struct FoundFile {
+    ScreenshotItem item;
+    QString lowerSuffix;
+    qint64 size = 0;
+};
+
+// The folder's capture files in listing order. Hidden files, folders and
+// special files (pipes, sockets, dangling links) are left out; a folder that
+// cannot be listed gives nothing.
+void collectCaptureFiles(const QString& folder, bool onlyOwnCaptures,
+                         const std::unordered_set<quint64>& ownInodes,
+                         std::vector<FoundFile>& found) {
+    const QFileInfoList entries = QDir(folder).entryInfoList(QDir::Files, QDir::Unsorted);
+    for (const QFileInfo& info : entries) {
+        const QString lowerSuffix = info.suffix().toLower();
+        if (!isCaptureSuffix(lowerSuffix)) {
+            continue;
+        }
+        const QString path = normalizedPath(info);
+        if (onlyOwnCaptures) {
+            const std::optional<quint64> inode = inodeOf(path);
+            if (!inode || !ownInodes.contains(*inode)) {
+                continue;
+            }
+        }
+        QDateTime date = creationDate(info);
+        if (!date.isValid()) {
+            date = ScreenshotItem::distantPast();
+        }
+        const QDateTime modified = info.lastModified();
+        found.push_back({ScreenshotItem(path, date, modified.isValid() ? modified : date),
+                         lowerSuffix, info.size()});
+    }
+}
+
+// Runs `work` on the pool's threads while the calling pool thread waits; the
+// waiting thread gives its slot back so the pool can use every core.
+template <typename Sequence, typename Work>
+void runInParallel(QThreadPool& pool, Sequence& sequence, Work work) {
+    pool.releaseThread();
+    QtConcurrent::blockingMap(&pool, sequence, work);
+    pool.reserveThread();
+}
+
+}  // namespace
+
+ScreenshotStore& ScreenshotStore::shared() {
+    static ScreenshotStore* instance = new ScreenshotStore(
+        QStandardPaths::writableLocation(QStandardPaths::DesktopLocation),
+        QStandardPaths::writableLocation(QStandardPaths::PicturesLocation) +
+            QStringLiteral("/Screenshots"),
+        CaptureRegistry::shared(), UserSettings::shared(), UserDefaults::shared());
+    return *instance;
+}
+
+ScreenshotStore::ScreenshotStore(const QString& desktopFolder, const QString& screenshotsFolder,
+                                 CaptureRegistry& registry, UserSettings& settings,
+                                 UserDefaults& defaults,
+                                 std::shared_ptr<const VideoFrameReader> videoFrameReader,
+                                 QObject* parent)
+    : QObject(parent),
+      scanFolders_{desktopFolder, screenshotsFolder},
+      registry_(registry),
+      settings_(settings),
+      defaults_(defaults),
+      videoFrameReader_(videoFrameReader ? std::move(videoFrameReader)
+                                         : std::make_shared<FfmpegVideoFrameReader>()) {
+    pool_.setMaxThreadCount(std::max(1, QThread::idealThreadCount()));
+    // The first scan is published from the event loop: the shell's launch
+    // clean-up, called right after construction, finds an empty list.
+    startScan();
+    startWatching();
+    connect(&settings_, &UserSettings::showOnlyQuillixItemsChanged, this,
+            &ScreenshotStore::refresh);
+    connect(&defaults_, &UserDefaults::valueChanged, this, [this](const QString& key) {
+        if (key == QLatin1String(UserDefaults::Key::maxScreenshots)) {
+            refresh();
+        }
+    });
+}
+
+ScreenshotStore::~ScreenshotStore() {
+    stopWatching();
+    // Jobs post their results to this object; let them finish while it is
+    // still whole. Results not yet delivered are dropped with the object.
+    pool_.waitForDone();
+}
+
+QStringList ScreenshotStore::watchedFolders() const {
+    return watcher_ != nullptr ? watcher_->directories() : QStringList();
+}
+
+void ScreenshotStore::refresh() {
+    if (QThread::currentThread() != thread()) {
+        ++requestsInTransit_;
+        QMetaObject::invokeMethod(this, &ScreenshotStore::handleRequestInTransit,
+                                  Qt::QueuedConnection);
+        return;
+    }
+    if (scanRunning_) {
+        // Every later request folds into the one waiting scan, which starts
+        // after the running one is published and therefore sees the newest
+        // state of the folders.
+        scanWaiting_ = true;
+        return;
+    }
+    startScan();
+}
+
+void ScreenshotStore::handleRequestInTransit() {
+    --requestsInTransit_;
+    refresh();
+}
+
+void ScreenshotStore::startScan() {
+    scanRunning_ = true;
+    ScanRequest request;
+    request.folders = scanFolders_;
+    request.onlyOwnCaptures = settings_.showOnlyQuillixItems();
+    if (request.onlyOwnCaptures) {
+        request.ownInodes = registry_.inodes();
+    }
+    request.limit = defaults_.maxScreenshots();
+    request.cache = thumbnailCache_;
+    request.videoFrameReader = videoFrameReader_;
+    pool_.start([this, request = std::move(request)] {
+        const ScanResult result = scan(request, pool_);
+        QMetaObject::invokeMethod(
+            this, [this, result] { publish(result); }, Qt::QueuedConnection);
+    });
+}
+
+ScreenshotStore::ScanResult ScreenshotStore::scan(const ScanRequest& request, QThreadPool& pool) {
+    std::vector<FoundFile> found;
+    for (const QString& folder : request.folders) {
+        collectCaptureFiles(folder, request.onlyOwnCaptures, request.ownInodes, found);
+    }
+    // Stable: equal dates keep folder order (Desktop first) and listing order.
+    std::stable_sort(found.begin(), found.end(), [](const FoundFile& a, const FoundFile& b) {
+        return a.item.date() > b.item.date();
+    });
+    if (found.size() > size_t(std::max(0, request.limit))) {
+        found.resize(size_t(std::max(0, request.limit)));
+    }
+
+    ScanResult result;
+    result.limit = request.limit;
+    std::vector<FoundFile*> undecoded;
+    for (FoundFile& file : found) {
+        const auto cached = request.cache.constFind(file.item.id());
+        if (cached != request.cache.constEnd() && cached->fileSize == file.size) {
+            file.item.setThumbnail(cached->image);
+        } else {
+            undecoded.push_back(&file);
+        }
+    }
+    const VideoFrameReader& videoFrameReader = *request.videoFrameReader;
+    runInParallel(pool, undecoded, [&videoFrameReader](FoundFile* file) {
+        file->item.setThumbnail(
+            thumbnailFor(file->item.path(), file->lowerSuffix, videoFrameReader));
+    });
+
+    result.items.reserve(qsizetype(found.size()));
+    for (const FoundFile& file : found) {
+        result.cache.insert(file.item.id(), {file.size, file.item.thumbnail()});
+        result.items.append(file.item);
+    }
+    return result;
+}
+
+void ScreenshotStore::publish(const ScanResult& result) {
+    screenshots_ = result.items;
+    thumbnailCache_ = result.cache;
+    ++publishedScanCount_;
+    scanRunning_ = false;
+    if (scanWaiting_) {
+        scanWaiting_ = false;
+        startScan();
+    }
+    Q_EMIT screenshotsChanged();
+    Q_EMIT scanPublished();
+    // A scan never yields more than the limit; this guards later insertions.
+    if (screenshots_.size() > result.limit) {
+        pruneBeyond(result.limit);
+    }
+    emitIfIdle();
+}
+
+void ScreenshotStore::startWatching() {
+    QStringList existingFolders;
+    for (const QString& folder : scanFolders_) {
+        if (QFileInfo(folder).isDir()) {
+            existingFolders.append(folder);
+        }
+    }
+    if (existingFolders.isEmpty()) {
+        return;
+    }
+    watcher_ = new QFileSystemWatcher(this);
+    watcher_->addPaths(existingFolders);
+    connect(watcher_, &QFileSystemWatcher::directoryChanged, this, &ScreenshotStore::refresh);
+}
+
+void ScreenshotStore::stopWatching() {
+    if (watcher_ == nullptr) {
+        return;
+    }
+    watcher_->disconnect(this);
+    watcher_->removePaths(watcher_->directories());
+    watcher_->deleteLater();
+    watcher_ = nullptr;
+}
+
+void ScreenshotStore::insertNewCapture(const QString& path) {
+    registry_.record(path);
+    ++fileOperationsRunning_;
+    pool_.start([this, path, videoFrameReader = videoFrameReader_] {
+        const QFileInfo info(path);
+        QDateTime date = creationDate(info);
+        if (!date.isValid()) {
+            date = QDateTime::currentDateTimeUtc();
+        }
+        const QDateTime modified = info.lastModified();
+        const QImage thumbnail = thumbnailFor(path, info.suffix().toLower(), *videoFrameReader);
+        const ScreenshotItem item(normalizedPath(info), date, modified.isValid() ? modified : date,
+                                  thumbnail);
+        const CachedThumbnail cached{info.size(), thumbnail};
+        QMetaObject::invokeMethod(
+            this,
+            [this, item, cached] {
+                insertAtFront(item, cached);
+                finishFileOperation();
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void ScreenshotStore::insertAtFront(const ScreenshotItem& item, const CachedThumbnail& thumbnail) {
+    // A rescan may already have listed the file; it must not appear twice.
+    screenshots_.removeIf([&](const ScreenshotItem& listed) { return listed.id() == item.id(); });
+    screenshots_.prepend(item);
+    thumbnailCache_.insert(item.id(), thumbnail);
+    Q_EMIT screenshotsChanged();
+}
+
+void ScreenshotStore::moveToTrash(const ScreenshotItem& item) {
+    // Copies: `item` may be an element of the list edited below.
+    const QString id = item.id();
+    trashFiles({item.path()});
+    removeWhere([&id](const ScreenshotItem& listed) { return listed.id() == id; });
+}
+
+void ScreenshotStore::removeFromList(const ScreenshotItem& item) {
+    const QString id = item.id();
+    removeWhere([&id](const ScreenshotItem& listed) { return listed.id() == id; });
+}
+
+void ScreenshotStore::autoClear(int days, const QDateTime& now) {
+    if (days < 1) {
+        return;
+    }
+    const QDateTime cutoff = now.addSecs(-qint64(days) * 86400);
+    QStringList oldFiles;
+    for (const ScreenshotItem& item : std::as_const(screenshots_)) {
+        if (item.date() < cutoff) {
+            oldFiles.append(item.path());
+        }
+    }
+    if (oldFiles.isEmpty()) {
+        return;
+    }
+    trashFiles(oldFiles);
+    removeWhere([&cutoff](const ScreenshotItem& listed) { return listed.date() < cutoff; });
+}
+
+void ScreenshotStore::pruneBeyond(int limit) {
+    limit = std::max(0, limit);
+    if (screenshots_.size() <= limit) {
+        return;
+    }
+    QStringList surplus;
+    for (qsizetype i = limit; i < screenshots_.size(); ++i) {
+        surplus.append(screenshots_.at(i).path());
+    }
+    trashFiles(surplus);
+    trimTo(limit);
+}
+
+void ScreenshotStore::trimTo(int count) {
+    count = std::max(0, count);
+    if (screenshots_.size() <= count) {
+        return;
+    }
+    screenshots_.resize(count);
+    Q_EMIT screenshotsChanged();
+}
+
+void ScreenshotStore::removeWhere(const std::function<bool(const ScreenshotItem&)>& shouldRemove) {
+    if (screenshots_.removeIf(shouldRemove) > 0) {
+        Q_EMIT screenshotsChanged();
+    }
+}
+
+// Moves run in the background in the order given; failures are ignored (the
+// next rescan lists a file that stayed).
+void ScreenshotStore::trashFiles(const QStringList& paths) {
+    ++fileOperationsRunning_;
+    pool_.start([this, paths] {
+        for (const QString& path : paths) {
+            QFile::moveToTrash(path);
+        }
+        QMetaObject::invokeMethod(
+            this, [this] { finishFileOperation(); }, Qt::QueuedConnection);
+    });
+}
+
+void ScreenshotStore::finishFileOperation() {
+    --fileOperationsRunning_;
+    emitIfIdle();
+}
+
+bool ScreenshotStore::isIdle() const {
+    return !scanRunning_ && !scanWaiting_ && fileOperationsRunning_ == 0 && requestsInTransit_ == 0;
+}
+
+void ScreenshotStore::emitIfIdle() {
+    if (isIdle()) {
+        Q_EMIT becameIdle();
+    }
+}
+
+bool ScreenshotStore::waitForIdle(int timeoutMs) {
+    const QDeadlineTimer deadline(timeoutMs);
+    // Work can restart between the idle signal and the loop's exit (a folder
+    // event handled in the same pass), so check again after every wake-up.
+    while (!isIdle() && !deadline.hasExpired()) {
+        QEventLoop loop;
+        connect(this, &ScreenshotStore::becameIdle, &loop, &QEventLoop::quit);
+        QTimer::singleShot(std::max<qint64>(0, deadline.remainingTime()), &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    return isIdle();
+}

@@ -1,0 +1,149 @@
+#pragma once
+
+#include <QDateTime>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QStringList>
+#include <QThreadPool>
+#include <atomic>
+#include <functional>
+#include <memory>
+
+#include "capture/screenshot_item.h"
+
+class CaptureRegistry;
+class QFileSystemWatcher;
+class UserDefaults;
+class UserSettings;
+class VideoFrameReader;
+
+// The gallery's model: the newest capture files (png, mp4 and mov) in the
+// Desktop and Pictures/Screenshots folders, newest first, each with a small
+// thumbnail. With the own-captures setting on, only files whose inode the
+// capture registry holds are listed. The list is rescanned when a folder
+// changes, when the own-captures setting or "maxScreenshots" changes and on
+// request; items can be moved to the trash one at a time, by age and beyond
+// a count.
+//
+// Confined to the GUI thread. Scans (listing, dates, the registry filter and
+// thumbnails) and file moves run on the store's worker threads; results are
+// published on the GUI thread. At most one scan runs at a time and at most
+// one more waits: all requests that arrive while a scan runs (a burst of
+// folder events) cost one more scan, which starts after the running one is
+// published, so the newest state of the folders always wins.
+class ScreenshotStore : public QObject {
+    Q_OBJECT
+
+public:
+    // Desktop and Pictures/Screenshots of the user, with the shared registry,
+    // settings and defaults. Created on first use.
+    static ScreenshotStore& shared();
+
+    // Scans `desktopFolder` then `screenshotsFolder`. A null
+    // `videoFrameReader` means FFmpeg. The first scan starts at once and is
+    // published from the event loop, never before the constructor's caller
+    // returns to it.
+    ScreenshotStore(const QString& desktopFolder, const QString& screenshotsFolder,
+                    CaptureRegistry& registry, UserSettings& settings, UserDefaults& defaults,
+                    std::shared_ptr<const VideoFrameReader> videoFrameReader = nullptr,
+                    QObject* parent = nullptr);
+    ~ScreenshotStore() override;
+
+    ScreenshotStore(const ScreenshotStore&) = delete;
+    ScreenshotStore& operator=(const ScreenshotStore&) = delete;
+
+    // Newest first.
+    const QList<ScreenshotItem>& screenshots() const { return screenshots_; }
+
+    const QStringList& scanFolders() const { return scanFolders_; }
+    // The scan folders being watched; a folder missing at construction is not.
+    QStringList watchedFolders() const;
+
+    // Rescans and publishes. May be called from any thread.
+    void refresh();
+
+    // Lists a just-written recording at the front without waiting for a
+    // rescan and records it as the program's own.
+    void insertNewCapture(const QString& path);
+
+    // Drops the item (and any other with its id) from the list at once and
+    // moves its file to the trash in the background; a failed move is
+    // ignored. autoClear and pruneBeyond move files the same way.
+    void moveToTrash(const ScreenshotItem& item);
+
+    // Drops the item from the list and leaves its file alone.
+    void removeFromList(const ScreenshotItem& item);
+
+    // Moves every listed item created more than `days` days before `now` to
+    // the trash; unlisted files are never touched and nothing is rescanned.
+    // Days below 1 do nothing.
+    void autoClear(int days, const QDateTime& now = QDateTime::currentDateTimeUtc());
+
+    // Trashes the files of every item after the first `limit`, then keeps
+    // only those.
+    void pruneBeyond(int limit);
+    void trimTo(int count);
+
+    void stopWatching();
+
+    // For tests and benchmarks: whether no scan or file operation is running
+    // or waiting, how many scans have been published, and a wait (running
+    // the event loop) until idle; false when `timeoutMs` ran out first.
+    bool isIdle() const;
+    int publishedScanCount() const { return publishedScanCount_; }
+    bool waitForIdle(int timeoutMs = 30000);
+
+Q_SIGNALS:
+    // The list changed (a scan was published or the list was edited).
+    void screenshotsChanged();
+    // A scan's result became the list.
+    void scanPublished();
+    // The last running scan or file operation finished and none waits.
+    void becameIdle();
+
+private:
+    // A thumbnail made for one version of a file (its id), kept so that a
+    // rescan decodes only new or changed files. Failed decodes are kept too,
+    // so a damaged file is not retried on every rescan.
+    struct CachedThumbnail {
+        qint64 fileSize = -1;
+        QImage image;
+    };
+    using ThumbnailCache = QHash<QString, CachedThumbnail>;
+    struct ScanRequest;
+    struct ScanResult;
+
+    static ScanResult scan(const ScanRequest& request, QThreadPool& pool);
+    void startScan();
+    void handleRequestInTransit();
+    void publish(const ScanResult& result);
+    void startWatching();
+    void trashFiles(const QStringList& paths);
+    void insertAtFront(const ScreenshotItem& item, const CachedThumbnail& thumbnail);
+    void removeWhere(const std::function<bool(const ScreenshotItem&)>& shouldRemove);
+    void finishFileOperation();
+    void emitIfIdle();
+
+    QStringList scanFolders_;
+    CaptureRegistry& registry_;
+    UserSettings& settings_;
+    UserDefaults& defaults_;
+    std::shared_ptr<const VideoFrameReader> videoFrameReader_;
+
+    QList<ScreenshotItem> screenshots_;
+    ThumbnailCache thumbnailCache_;
+    QFileSystemWatcher* watcher_ = nullptr;
+
+    // refresh() calls from other threads that the GUI thread has not yet
+    // handled; they keep the store from counting as idle.
+    std::atomic<int> requestsInTransit_ = 0;
+    bool scanRunning_ = false;
+    bool scanWaiting_ = false;
+    int fileOperationsRunning_ = 0;
+    int publishedScanCount_ = 0;
+
+    // Declared last so that it is destroyed first; the destructor also waits
+    // for it, so no job outlives the members it reads.
+    QThreadPool pool_;
+};
