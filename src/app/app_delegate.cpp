@@ -1,31 +1,267 @@
 #include "app/app_delegate.h"
 
+#include <QApplication>
+#include <QCursor>
+#include <QFileInfo>
+#include <QScreen>
 #include <QSystemTrayIcon>
+#include <QTimer>
 
 #include "app/app_signals.h"
 #include "app/bar_icon.h"
+#include "app/diagnostics.h"
+#include "app/popover_placement.h"
+#include "app/popover_window.h"
+#include "capture/hot_key_manager.h"
+#include "capture/screenshot_store.h"
+#include "platform/click_monitor.h"
+#include "platform/notifier.h"
+#include "platform/platform_services.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
+#include "ui/gallery/pill_panel.h"
+
+namespace {
+
+// Panels get time to leave the screen before a capture grabs it.
+constexpr int kPanelsLeaveDelayMs = 400;
+constexpr int kCaptureStartDelayMs = 150;
+
+QScreen* screenAt(const QPoint& point) {
+    QScreen* screen = QGuiApplication::screenAt(point);
+    return screen != nullptr ? screen : QGuiApplication::primaryScreen();
+}
+
+}  // namespace
 
 AppDelegate::AppDelegate() = default;
-AppDelegate::~AppDelegate() = default;
+
+AppDelegate::~AppDelegate() {
+    removeClickMonitor();
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
     buildStatusItem();
-    connect(&AppSignals::instance(), &AppSignals::customBarIconChanged, this,
-            &AppDelegate::applyCustomBarIcon);
-    applyCustomBarIcon(UserDefaults::shared().customAppIconPath());
-
-    // Loading the settings writes a fresh, sealed settings.bin on a first run.
-    UserSettings::shared();
+    buildPopover();
+    if (!UserDefaults::shared().hasSeenOnboarding()) {
+        printDiagnostic(
+            QStringLiteral("Quillix: first run; the welcome slides come in a later version"));
+    }
+    runCleanUpAtLaunch();
+    setUpHotkeys();
+    setUpNotifications();
 }
 
 void AppDelegate::buildStatusItem() {
     statusItem_ = std::make_unique<QSystemTrayIcon>(BarIcon::builtIn());
     statusItem_->setToolTip(QStringLiteral("Quillix"));
+    connect(statusItem_.get(), &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger) {
+                    togglePopover();
+                }
+            });
     statusItem_->show();
+}
+
+void AppDelegate::buildPopover() {
+    popover_ = std::make_unique<PopoverWindow>();
+    connect(popover_.get(), &PopoverWindow::closed, this, &AppDelegate::popoverDidClose);
+
+    AppSignals& hub = AppSignals::instance();
+    connect(&hub, &AppSignals::quillixClosePopover, this, &AppDelegate::handleClosePopover);
+    connect(&hub, &AppSignals::customBarIconChanged, this, &AppDelegate::applyCustomBarIcon);
+
+    const QString customIcon = UserDefaults::shared().customAppIconPath();
+    if (!customIcon.isEmpty()) {
+        applyCustomBarIcon(customIcon);
+    }
 }
 
 void AppDelegate::applyCustomBarIcon(const QString& imagePath) {
     statusItem_->setIcon(BarIcon::fromFile(imagePath).value_or(BarIcon::builtIn()));
+}
+
+bool AppDelegate::isPopoverShown() const {
+    return popover_ && popover_->isVisible();
+}
+
+void AppDelegate::togglePopover() {
+    if (isPopoverShown()) {
+        handleClosePopover();
+        return;
+    }
+    Q_EMIT AppSignals::instance().popoverWillShow();
+    showPopover();
+    showPillPanel();
+    installClickMonitor();
+}
+
+void AppDelegate::showPopover() {
+    const QRect trayIcon = statusItem_->geometry();
+    const QPoint anchor = trayIcon.isEmpty() ? QCursor::pos() : trayIcon.center();
+    const QRect available = screenAt(anchor)->availableGeometry();
+    popover_->setGeometry(PopoverPlacement::popoverFrame(trayIcon, QCursor::pos(), available));
+    popover_->show();
+    popover_->raise();
+    popover_->activateWindow();
+}
+
+void AppDelegate::showPillPanel() {
+    orderOutPill();
+    const QRect popoverFrame = popover_->geometry();
+    QScreen* screen = screenAt(popoverFrame.center());
+    pillPanel_ = std::make_unique<PillPanel>();
+    pillPanel_->setGeometry(PopoverPlacement::pillFrame(popoverFrame, screen->availableGeometry()));
+    pillPanel_->showFadingIn();
+}
+
+void AppDelegate::orderOutPill() {
+    pillPanel_.reset();
+}
+
+void AppDelegate::handleClosePopover() {
+    if (popover_) {
+        popover_->hide();  // popoverDidClose does the rest
+    }
+    orderOutPill();
+    removeClickMonitor();
+}
+
+void AppDelegate::popoverDidClose() {
+    orderOutPill();
+    removeClickMonitor();
+}
+
+void AppDelegate::installClickMonitor() {
+    removeClickMonitor();
+    ClickMonitor* monitor = PlatformServices::instance().clickMonitor();
+    if (monitor == nullptr) {
+        return;
+    }
+    connect(monitor, &ClickMonitor::pressed, this, &AppDelegate::closeOutsideClick);
+    monitor->start();
+    clickMonitorInstalled_ = true;
+}
+
+void AppDelegate::removeClickMonitor() {
+    if (!clickMonitorInstalled_) {
+        return;
+    }
+    clickMonitorInstalled_ = false;
+    if (ClickMonitor* monitor = PlatformServices::instance().clickMonitor()) {
+        monitor->stop();
+        disconnect(monitor, &ClickMonitor::pressed, this, &AppDelegate::closeOutsideClick);
+    }
+}
+
+void AppDelegate::closeOutsideClick(const QPoint& globalPosition) {
+    if (!isPopoverShown()) {
+        return;
+    }
+    const bool inPopover = popover_->frameGeometry().contains(globalPosition);
+    const bool inPill = pillPanel_ && pillPanel_->frameGeometry().contains(globalPosition);
+    if (!inPopover && !inPill) {
+        handleClosePopover();
+    }
+}
+
+void AppDelegate::runCleanUpAtLaunch() {
+    // The library publishes its first scan only after this launch sequence has
+    // returned, so this finds an empty list: older captures stay listed.
+    ScreenshotStore::shared().autoClear(UserDefaults::shared().autoClearDays());
+}
+
+void AppDelegate::setUpHotkeys() {
+    HotkeyBackend* backend = PlatformServices::instance().hotkeyBackend();
+    if (backend == nullptr) {
+        printDiagnostic(
+            QStringLiteral("⚠️ Quillix: global hotkeys are not available on this display"));
+        return;
+    }
+    hotKeyManager_ = std::make_unique<HotKeyManager>(*backend, UserSettings::shared());
+    QPointer<AppDelegate> self(this);
+    hotKeyManager_->onTriggered = [self] {
+        QTimer::singleShot(0, self, [self] { self->togglePopover(); });
+    };
+    hotKeyManager_->onShowHUD = [self] {
+        if (self) {
+            self->showHUD();
+        }
+    };
+    hotKeyManager_->onCaptureArea = [self] {
+        if (self) {
+            self->captureArea();
+        }
+    };
+    // The window-capture hotkey is registered but deliberately does nothing:
+    // window capture starts from the capture HUD.
+    hotKeyManager_->onRecordWindow = [self] {
+        if (self) {
+            self->recordWindow();
+        }
+    };
+    hotKeyManager_->onRecordScreen = [self] {
+        if (self) {
+            self->recordScreen();
+        }
+    };
+    hotKeyManager_->registerAll();
+    // Every later change of the bindings re-registers all of them.
+    connect(
+        &UserSettings::shared(), &UserSettings::hotkeysChanged, this,
+        [this] { hotKeyManager_->registerAll(); }, Qt::QueuedConnection);
+}
+
+void AppDelegate::setUpNotifications() {
+    connect(&PlatformServices::instance().notifier(), &Notifier::activated, this,
+            &AppDelegate::openNotifiedCapture);
+}
+
+void AppDelegate::openNotifiedCapture(const QString& fileName) {
+    for (const ScreenshotItem& item : ScreenshotStore::shared().screenshots()) {
+        if (item.fileName() == fileName) {
+            printDiagnostic(QStringLiteral("Quillix: the preview window for ") + fileName +
+                            QStringLiteral(" comes in a later version"));
+            return;
+        }
+    }
+}
+
+void AppDelegate::showHUD() {
+    printDiagnostic(QStringLiteral("Quillix: the capture HUD comes in a later version"));
+}
+
+void AppDelegate::closeEverythingBeforeCapture() {
+    if (popover_) {
+        popover_->hide();
+    }
+    orderOutPill();
+    removeClickMonitor();
+}
+
+void AppDelegate::captureArea() {
+    closeEverythingBeforeCapture();
+    QTimer::singleShot(kPanelsLeaveDelayMs, this, [this] {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            window->hide();
+        }
+        QTimer::singleShot(kCaptureStartDelayMs, this, [] {
+            printDiagnostic(QStringLiteral("Quillix: the area editor comes in a later version"));
+        });
+    });
+}
+
+void AppDelegate::recordWindow() {
+    closeEverythingBeforeCapture();
+    QTimer::singleShot(kCaptureStartDelayMs, this, [] {
+        printDiagnostic(QStringLiteral("Quillix: window recording comes in a later version"));
+    });
+}
+
+void AppDelegate::recordScreen() {
+    closeEverythingBeforeCapture();
+    QTimer::singleShot(kCaptureStartDelayMs, this, [] {
+        printDiagnostic(QStringLiteral("Quillix: screen recording comes in a later version"));
+    });
 }

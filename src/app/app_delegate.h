@@ -1,12 +1,17 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <memory>
 
+class HotKeyManager;
+class PillPanel;
+class PopoverWindow;
 class QSystemTrayIcon;
 
-// The process's one long-lived controller: it owns the tray icon and runs the
-// launch sequence.
+// The process's one long-lived controller: it runs the launch sequence, owns
+// the tray icon, the gallery popover and the pill under it, and wires every
+// hotkey to its action. GUI thread only.
 class AppDelegate : public QObject {
     Q_OBJECT
 
@@ -16,10 +21,40 @@ public:
 
     void applicationDidFinishLaunching();
 
+    // Opens the popover with its pill, or closes both.
+    void togglePopover();
+    bool isPopoverShown() const;
+
+    // Closes the popover and the pill and stops watching for outside clicks.
+    void handleClosePopover();
+
 private:
     void buildStatusItem();
-    // An empty or unloadable path restores the built-in icon.
+    void buildPopover();
     void applyCustomBarIcon(const QString& imagePath);
+    void showPopover();
+    void showPillPanel();
+    void orderOutPill();
+    void popoverDidClose();
+    void installClickMonitor();
+    void removeClickMonitor();
+    void closeOutsideClick(const QPoint& globalPosition);
+
+    void runCleanUpAtLaunch();
+    void setUpHotkeys();
+    void setUpNotifications();
+    void openNotifiedCapture(const QString& fileName);
+
+    // Hotkey actions.
+    void showHUD();
+    void captureArea();
+    void recordWindow();
+    void recordScreen();
+    void closeEverythingBeforeCapture();
 
     std::unique_ptr<QSystemTrayIcon> statusItem_;
+    std::unique_ptr<PopoverWindow> popover_;
+    std::unique_ptr<PillPanel> pillPanel_;
+    bool clickMonitorInstalled_ = false;
+    std::unique_ptr<HotKeyManager> hotKeyManager_;
 };

@@ -1,9 +1,14 @@
 #include <QApplication>
 #include <QTimer>
 
+#include "app/app_control.h"
 #include "app/app_delegate.h"
+#include "app/quit_on_signal.h"
 
 int main(int argc, char* argv[]) {
+    // The icons live in the core library's resources, which a static library
+    // does not register by itself.
+    Q_INIT_RESOURCE(quillix);
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillix"));
     QApplication::setOrganizationName(QStringLiteral("Quillix"));
@@ -12,7 +17,14 @@ int main(int argc, char* argv[]) {
     // A tray-resident program: closing its last window does not end it.
     QApplication::setQuitOnLastWindowClosed(false);
 
+    // A session ending (SIGTERM) or Ctrl+C quits cleanly.
+    quitOnTerminationSignals();
+
     AppDelegate delegate;
-    QTimer::singleShot(0, &delegate, &AppDelegate::applicationDidFinishLaunching);
+    AppControl control(delegate);
+    QTimer::singleShot(0, &delegate, [&delegate, &control] {
+        delegate.applicationDidFinishLaunching();
+        control.publish();
+    });
     return QApplication::exec();
 }

@@ -2,4 +2,6 @@
 
 #include "storage/hotkey_binding.h"
 
-QString FixedKeyboardLayout::keyLabel(quint32 keyCode) const { return keyName(keyCode); }
+QString FixedKeyboardLayout::keyLabel(quint32 keyCode) const {
+    return keyName(keyCode);
+}

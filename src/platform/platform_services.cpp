@@ -1,7 +1,14 @@
 #include "platform/platform_services.h"
 
+#include <xcb/xcb.h>
+
 #include <QGuiApplication>
 
+#include "platform/canberra/canberra_sound_player.h"
+#include "platform/dbus/freedesktop_notifier.h"
+#include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
+#include "platform/x11/x11_click_monitor.h"
+#include "platform/x11/x11_hotkey_backend.h"
 #include "platform/x11/xkb_keyboard_layout.h"
 
 namespace {
@@ -11,8 +18,12 @@ xcb_connection_t* x11Connection() {
     return x11 ? x11->connection() : nullptr;
 }
 
-std::unique_ptr<KeyboardLayout> makeKeyboardLayout() {
-    if (std::unique_ptr<KeyboardLayout> layout = XkbKeyboardLayout::fromX11(x11Connection())) {
+xcb_window_t x11RootWindow(xcb_connection_t* connection) {
+    return connection ? xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root : 0;
+}
+
+std::unique_ptr<KeyboardLayout> makeKeyboardLayout(xcb_connection_t* connection) {
+    if (std::unique_ptr<KeyboardLayout> layout = XkbKeyboardLayout::fromX11(connection)) {
         return layout;
     }
     return std::make_unique<FixedKeyboardLayout>();
@@ -25,4 +36,16 @@ PlatformServices& PlatformServices::instance() {
     return *services;
 }
 
-PlatformServices::PlatformServices() : keyboardLayout_(makeKeyboardLayout()) {}
+PlatformServices::PlatformServices()
+    : notifier_(std::make_unique<FreedesktopNotifier>()),
+      soundPlayer_(std::make_unique<CanberraSoundPlayer>()),
+      videoFrameReader_(std::make_shared<FfmpegVideoFrameReader>()) {
+    xcb_connection_t* connection = x11Connection();
+    keyboardLayout_ = makeKeyboardLayout(connection);
+    if (connection != nullptr) {
+        hotkeyBackend_ = X11HotkeyBackend::create(connection, x11RootWindow(connection));
+        clickMonitor_ = X11ClickMonitor::create(connection, x11RootWindow(connection));
+    }
+}
+
+PlatformServices::~PlatformServices() = default;

@@ -4,17 +4,37 @@
 
 #include "platform/keyboard_layout.h"
 
+class ClickMonitor;
+class HotkeyBackend;
+class Notifier;
+class SoundPlayer;
+class VideoFrameReader;
+
 // The platform back ends the features talk to, chosen once at start-up for
 // the windowing system the program runs on (X11 today; a Wayland portal back
-// end can be added beside it).
+// end can be added beside it). Created on first use, after the
+// QGuiApplication; GUI thread only, except videoFrameReader() which is safe on
+// workers.
 class PlatformServices {
 public:
     static PlatformServices& instance();
+    ~PlatformServices();
 
     KeyboardLayout& keyboardLayout() { return *keyboardLayout_; }
+    Notifier& notifier() { return *notifier_; }
+    SoundPlayer& soundPlayer() { return *soundPlayer_; }
+    std::shared_ptr<const VideoFrameReader> videoFrameReader() const { return videoFrameReader_; }
+    // Nothing where the display offers no global hotkeys or click monitoring.
+    HotkeyBackend* hotkeyBackend() { return hotkeyBackend_.get(); }
+    ClickMonitor* clickMonitor() { return clickMonitor_.get(); }
 
 private:
     PlatformServices();
 
     std::unique_ptr<KeyboardLayout> keyboardLayout_;
+    std::unique_ptr<Notifier> notifier_;
+    std::unique_ptr<SoundPlayer> soundPlayer_;
+    std::shared_ptr<const VideoFrameReader> videoFrameReader_;
+    std::unique_ptr<HotkeyBackend> hotkeyBackend_;
+    std::unique_ptr<ClickMonitor> clickMonitor_;
 };

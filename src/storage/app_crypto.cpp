@@ -54,12 +54,10 @@ std::optional<QByteArray> encrypt(QByteArrayView plaintext) {
         context &&
         EVP_EncryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, nullptr, nullptr) == 1 &&
         EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_SET_IVLEN, kNonceSize, nullptr) == 1 &&
-        EVP_EncryptInit_ex(context.get(), nullptr, nullptr, storageKey().data(), bytes(box)) ==
-            1 &&
+        EVP_EncryptInit_ex(context.get(), nullptr, nullptr, storageKey().data(), bytes(box)) == 1 &&
         EVP_EncryptUpdate(context.get(), bytes(box, kNonceSize), &written, bytes(plaintext),
                           length) == 1 &&
-        EVP_EncryptFinal_ex(context.get(), bytes(box, kNonceSize + written), &finalWritten) ==
-            1 &&
+        EVP_EncryptFinal_ex(context.get(), bytes(box, kNonceSize + written), &finalWritten) == 1 &&
         written + finalWritten == length &&
         EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_GET_TAG, kTagSize,
                             bytes(box, kNonceSize + length)) == 1;
@@ -83,10 +81,10 @@ std::optional<QByteArray> decrypt(QByteArrayView envelope) {
         context &&
         EVP_DecryptInit_ex(context.get(), EVP_aes_256_gcm(), nullptr, nullptr, nullptr) == 1 &&
         EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_SET_IVLEN, kNonceSize, nullptr) == 1 &&
-        EVP_DecryptInit_ex(context.get(), nullptr, nullptr, storageKey().data(),
-                           bytes(envelope)) == 1 &&
-        EVP_DecryptUpdate(context.get(), bytes(plaintext), &written,
-                          bytes(envelope) + kNonceSize, length) == 1 &&
+        EVP_DecryptInit_ex(context.get(), nullptr, nullptr, storageKey().data(), bytes(envelope)) ==
+            1 &&
+        EVP_DecryptUpdate(context.get(), bytes(plaintext), &written, bytes(envelope) + kNonceSize,
+                          length) == 1 &&
         EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_SET_TAG, kTagSize, bytes(tag)) == 1 &&
         EVP_DecryptFinal_ex(context.get(), bytes(plaintext, written), &finalWritten) == 1;
     if (!opened || written + finalWritten != length) {

@@ -2,7 +2,9 @@
 
 namespace {
 
-std::size_t indexOf(HotkeyAction action) { return static_cast<std::size_t>(action); }
+std::size_t indexOf(HotkeyAction action) {
+    return static_cast<std::size_t>(action);
+}
 
 }  // namespace
 

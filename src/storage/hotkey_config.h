@@ -18,7 +18,7 @@ enum class HotkeyAction {
 };
 
 inline constexpr std::array<HotkeyAction, 7> kAllHotkeyActions{
-    HotkeyAction::openMenu,      HotkeyAction::showHUD,      HotkeyAction::captureArea,
+    HotkeyAction::openMenu,      HotkeyAction::showHUD,       HotkeyAction::captureArea,
     HotkeyAction::captureWindow, HotkeyAction::captureScreen, HotkeyAction::recordWindow,
     HotkeyAction::recordScreen,
 };

@@ -46,26 +46,34 @@ bool UserDefaults::launchAtLogin() const {
     return settings_.value(QLatin1String(kLaunchAtLogin), kLaunchAtLoginDefault).toBool();
 }
 
-void UserDefaults::setLaunchAtLogin(bool enabled) { store(kLaunchAtLogin, enabled); }
+void UserDefaults::setLaunchAtLogin(bool enabled) {
+    store(kLaunchAtLogin, enabled);
+}
 
 bool UserDefaults::showHUDOnCapture() const {
     return settings_.value(QLatin1String(kShowHUDOnCapture), kShowHUDOnCaptureDefault).toBool();
 }
 
-void UserDefaults::setShowHUDOnCapture(bool enabled) { store(kShowHUDOnCapture, enabled); }
+void UserDefaults::setShowHUDOnCapture(bool enabled) {
+    store(kShowHUDOnCapture, enabled);
+}
 
 double UserDefaults::autoDismissSeconds() const {
     const double seconds = settings_.value(QLatin1String(kAutoDismissSeconds)).toDouble();
     return seconds > 0 ? seconds : kAutoDismissSecondsDefault;
 }
 
-void UserDefaults::setAutoDismissSeconds(double seconds) { store(kAutoDismissSeconds, seconds); }
+void UserDefaults::setAutoDismissSeconds(double seconds) {
+    store(kAutoDismissSeconds, seconds);
+}
 
 QString UserDefaults::customAppIconPath() const {
     return settings_.value(QLatin1String(kCustomAppIconPath)).toString();
 }
 
-void UserDefaults::setCustomAppIconPath(const QString& path) { store(kCustomAppIconPath, path); }
+void UserDefaults::setCustomAppIconPath(const QString& path) {
+    store(kCustomAppIconPath, path);
+}
 
 bool UserDefaults::checkForUpdatesAutomatically() const {
     return settings_
@@ -82,14 +90,18 @@ int UserDefaults::maxScreenshots() const {
     return count >= 1 ? count : kMaxScreenshotsDefault;
 }
 
-void UserDefaults::setMaxScreenshots(int count) { store(kMaxScreenshots, count); }
+void UserDefaults::setMaxScreenshots(int count) {
+    store(kMaxScreenshots, count);
+}
 
 int UserDefaults::autoClearDays() const {
     const int days = settings_.value(QLatin1String(kAutoClearDays)).toInt();
     return days >= 1 ? days : kAutoClearDaysDefault;
 }
 
-void UserDefaults::setAutoClearDays(int days) { store(kAutoClearDays, days); }
+void UserDefaults::setAutoClearDays(int days) {
+    store(kAutoClearDays, days);
+}
 
 std::optional<QString> UserDefaults::customSaveFolder() const {
     const QVariant folder = settings_.value(QLatin1String(kCustomSaveFolder));
@@ -111,4 +123,6 @@ bool UserDefaults::hasSeenOnboarding() const {
     return settings_.value(QLatin1String(kHasSeenOnboarding), false).toBool();
 }
 
-void UserDefaults::setHasSeenOnboarding(bool seen) { store(kHasSeenOnboarding, seen); }
+void UserDefaults::setHasSeenOnboarding(bool seen) {
+    store(kHasSeenOnboarding, seen);
+}

@@ -41,6 +41,9 @@ class FreshHome:
             os.makedirs(path)
             self.folders[name] = path
         os.makedirs(os.path.join(self.folders["Pictures"], "Screenshots"))
+        # Sounds play into nothing, as on a machine without a sound card.
+        with open(os.path.join(self.home, ".asoundrc"), "w") as asoundrc:
+            asoundrc.write("pcm.!default { type null }\n")
         self.config = os.path.join(self.home, ".config")
         self.data = os.path.join(self.home, ".local", "share")
         os.makedirs(self.config)
@@ -133,3 +136,93 @@ def try_open_file(path):
             return open_envelope(sealed.read())
     except (OSError, aesgcm_peer.InvalidTag):
         return None
+
+
+def xdotool(*arguments):
+    subprocess.run(["xdotool", *arguments], check=True)
+
+
+def viewable_windows(name):
+    """Ids of the viewable windows whose title is exactly `name`."""
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{name}$"],
+                           capture_output=True, text=True).stdout.split()
+    return found
+
+
+def window_geometry(window_id):
+    """(x, y, width, height) of a window, from xwininfo."""
+    info = subprocess.run(["xwininfo", "-id", str(window_id)], capture_output=True, text=True,
+                          check=True).stdout
+    fields = {}
+    for line in info.splitlines():
+        if ":" in line:
+            key, _, value = line.strip().partition(":")
+            fields[key] = value.strip()
+    return (int(fields["Absolute upper-left X"]), int(fields["Absolute upper-left Y"]),
+            int(fields["Width"]), int(fields["Height"]))
+
+
+class KeyGrabHolder:
+    """Another X client holding a global key combination."""
+
+    def __init__(self, keysym, *modifiers):
+        script = os.path.join(os.path.dirname(__file__), "hold_key_grab.py")
+        self.process = subprocess.Popen(["/usr/bin/python3", script, keysym, *modifiers],
+                                        stdout=subprocess.PIPE, text=True)
+        if self.process.stdout.readline().strip() != "grabbed":
+            raise AssertionError("the key grab helper did not start")
+
+    def release(self):
+        self.process.terminate()
+        self.process.wait(timeout=10)
+
+
+def call_app(method, *arguments):
+    """Calls a method of the running program's D-Bus interface; the reply's strings,
+    booleans and numbers as a list, or None when the call failed."""
+    reply = subprocess.run(
+        ["dbus-send", "--session", "--print-reply", "--dest=org.quillix.Quillix",
+         "/org/quillix/Quillix", f"org.quillix.Quillix.{method}", *arguments],
+        capture_output=True, text=True)
+    if reply.returncode != 0:
+        return None
+    values = []
+    for line in reply.stdout.splitlines()[1:]:
+        kind, _, value = line.strip().partition(" ")
+        if kind == "string":
+            values.append(value[1:-1])
+        elif kind == "boolean":
+            values.append(value == "true")
+    return values
+
+
+def differing_pixels(first, second):
+    """How many pixels differ between two images (ImageMagick's compare)."""
+    result = subprocess.run(["compare", "-metric", "AE", first, second, "null:"],
+                            capture_output=True, text=True)
+    try:
+        return int(float(result.stderr.split()[0]))
+    except (ValueError, IndexError):
+        raise AssertionError(f"compare failed: {result.stderr}")
+
+
+class NotificationMonitor:
+    """Records the Notify calls on the session bus."""
+
+    def __init__(self, log_path):
+        self.log_path = log_path
+        self.log = open(log_path, "wb")
+        self.process = subprocess.Popen(
+            ["dbus-monitor", "--session",
+             "type='method_call',interface='org.freedesktop.Notifications',member='Notify'"],
+            stdout=self.log, stderr=subprocess.DEVNULL)
+        time.sleep(0.3)  # let the monitor register its match rule
+
+    def text(self):
+        with open(self.log_path, "rb") as log:
+            return log.read().decode("utf-8", "replace")
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait(timeout=10)
+        self.log.close()

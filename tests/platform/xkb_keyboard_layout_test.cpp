@@ -14,7 +14,7 @@ TEST(XkbKeyboardLayout, UsLayoutLabelsLettersDigitsAndNamedKeys) {
     EXPECT_EQ(layout->keyLabel(16), "Y");
     EXPECT_EQ(layout->keyLabel(18), "1");
     EXPECT_EQ(layout->keyLabel(24), "=");
-    EXPECT_EQ(layout->keyLabel(36), "↩");     // Return has no printable character
+    EXPECT_EQ(layout->keyLabel(36), "↩");  // Return has no printable character
     EXPECT_EQ(layout->keyLabel(49), "Space");
     EXPECT_EQ(layout->keyLabel(53), "(53)");  // Escape
     EXPECT_EQ(layout->keyLabel(999), "(999)");

@@ -67,7 +67,8 @@ TEST_F(UserSettingsTest, ChangesSurviveARestartAndKeepMemberOrder) {
 
     const QByteArray document = storedDocument().value();
     EXPECT_LT(document.indexOf("\"hotkeys\""), document.indexOf("\"lastShelfLocation\""));
-    EXPECT_LT(document.indexOf("\"lastShelfLocation\""), document.indexOf("\"showOnlyQuillixItems\""));
+    EXPECT_LT(document.indexOf("\"lastShelfLocation\""),
+              document.indexOf("\"showOnlyQuillixItems\""));
 }
 
 TEST_F(UserSettingsTest, LegacyBareBindingsLoadAndAreRewrittenInTheCurrentFormat) {
@@ -94,10 +95,11 @@ TEST_F(UserSettingsTest, PlainJsonInTheCurrentFormatLoadsAndIsSealedAtOnce) {
 }
 
 TEST_F(UserSettingsTest, MissingFlagReadsAsTrueAndNullLocationAsNone) {
-    writeFileBytes(settingsPath(), AppCrypto::encrypt(R"({"hotkeys":)" +
-                                                      encodeJson(HotkeyConfig::defaults().toJson()) +
-                                                      R"(,"lastShelfLocation":null})")
-                                       .value());
+    writeFileBytes(
+        settingsPath(),
+        AppCrypto::encrypt(R"({"hotkeys":)" + encodeJson(HotkeyConfig::defaults().toJson()) +
+                           R"(,"lastShelfLocation":null})")
+            .value());
     const auto settings = load();
     EXPECT_TRUE(settings->showOnlyQuillixItems());
     EXPECT_FALSE(settings->lastShelfLocation());

@@ -7,7 +7,9 @@
 #include <QFileInfo>
 #include <QProcess>
 
-TestFolder::TestFolder() { QDir(dir_.path()).mkpath(QStringLiteral("Documents/Quillix")); }
+TestFolder::TestFolder() {
+    QDir(dir_.path()).mkpath(QStringLiteral("Documents/Quillix"));
+}
 
 QString TestFolder::path(const QString& relative) const {
     return relative.isEmpty() ? dir_.path() : QDir(dir_.path()).filePath(relative);
@@ -37,9 +39,9 @@ unsigned permissionBits(const QString& path) {
 int runCryptoPeer(const QStringList& arguments) {
     QProcess peer;
     peer.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    peer.start(QStringLiteral("/usr/bin/python3"),
-               QStringList{QStringLiteral(QUILLIX_TESTS_DIR "/storage/aesgcm_peer.py")} +
-                   arguments);
+    peer.start(
+        QStringLiteral("/usr/bin/python3"),
+        QStringList{QStringLiteral(QUILLIX_TESTS_DIR "/storage/aesgcm_peer.py")} + arguments);
     if (!peer.waitForFinished(30000) || peer.exitStatus() != QProcess::NormalExit) {
         return -1;
     }

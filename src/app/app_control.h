@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QObject>
+
+class AppDelegate;
+
+// A small D-Bus interface on the session bus ("org.quillix.Quillix" at
+// "/org/quillix/Quillix") through which scripts, desktop shortcuts and the
+// end-to-end tests drive the running program, e.g.
+//   dbus-send --session --dest=org.quillix.Quillix --type=method_call
+//       /org/quillix/Quillix org.quillix.Quillix.CaptureWindow uint32:31457287
+class AppControl : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.quillix.Quillix")
+
+public:
+    explicit AppControl(AppDelegate& delegate, QObject* parent = nullptr);
+
+    // False when the bus is missing or another instance holds the name.
+    bool publish();
+
+public Q_SLOTS:
+    // Captures the X11 window with this id into the save folder.
+    Q_SCRIPTABLE void CaptureWindow(uint windowId);
+    Q_SCRIPTABLE void TogglePopover();
+    Q_SCRIPTABLE bool IsPopoverShown() const;
+    // File names of the capture library's list, newest first.
+    Q_SCRIPTABLE QStringList ListedFiles() const;
+    // The gallery's own-captures filter.
+    Q_SCRIPTABLE void SetShowOnlyQuillixItems(bool showOnly);
+
+private:
+    AppDelegate& delegate_;
+};

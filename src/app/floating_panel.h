@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QWidget>
+
+// A borderless window that floats above other windows without taking part in
+// the task bar or window cycling, with a rounded, nearly opaque fill (the
+// look of a blurred panel on desktops without blur). Base of the popover and
+// the pill.
+class FloatingPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    enum class Focus { accepts, refuses };
+
+    FloatingPanel(const QString& accessibleName, int cornerRadius, Focus focus,
+                  QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    int cornerRadius_;
+};

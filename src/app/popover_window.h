@@ -1,0 +1,22 @@
+#pragma once
+
+#include "app/floating_panel.h"
+
+// The 320 × 420 window under the tray icon that hosts the gallery.
+class PopoverWindow : public FloatingPanel {
+    Q_OBJECT
+
+public:
+    explicit PopoverWindow(QWidget* parent = nullptr);
+
+    // Replaces the hosted view (the popover owns it).
+    void setContent(QWidget* content);
+
+Q_SIGNALS:
+    // The popover left the screen, whoever closed it.
+    void closed();
+
+protected:
+    void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+};

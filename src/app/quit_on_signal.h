@@ -1,0 +1,6 @@
+#pragma once
+
+// Turns SIGTERM, SIGINT and SIGHUP into a normal QCoreApplication::quit() on
+// the GUI thread (through a socket pair, the only safe way out of a signal
+// handler).
+void quitOnTerminationSignals();

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QObject>
+#include <QPoint>
+
+// Reports left and right mouse presses anywhere on screen, in any program's
+// window, while it is active (the shell closes the popover on clicks outside
+// it).
+class ClickMonitor : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    virtual void start() = 0;
+    virtual void stop() = 0;
+
+Q_SIGNALS:
+    // Emitted on the GUI thread with the pointer position in screen pixels.
+    void pressed(const QPoint& globalPosition);
+};
