@@ -180,32 +180,24 @@ void AppDelegate::setUpHotkeys() {
         return;
     }
     hotKeyManager_ = std::make_unique<HotKeyManager>(*backend, UserSettings::shared());
+    // Callbacks hold the delegate weakly.
     QPointer<AppDelegate> self(this);
+    const auto weakly = [self](void (AppDelegate::*action)()) {
+        return [self, action] {
+            if (self) {
+                (self.data()->*action)();
+            }
+        };
+    };
     hotKeyManager_->onTriggered = [self] {
         QTimer::singleShot(0, self, [self] { self->togglePopover(); });
     };
-    hotKeyManager_->onShowHUD = [self] {
-        if (self) {
-            self->showHUD();
-        }
-    };
-    hotKeyManager_->onCaptureArea = [self] {
-        if (self) {
-            self->captureArea();
-        }
-    };
+    hotKeyManager_->onShowHUD = weakly(&AppDelegate::showHUD);
+    hotKeyManager_->onCaptureArea = weakly(&AppDelegate::captureArea);
     // The window-capture hotkey is registered but deliberately does nothing:
     // window capture starts from the capture HUD.
-    hotKeyManager_->onRecordWindow = [self] {
-        if (self) {
-            self->recordWindow();
-        }
-    };
-    hotKeyManager_->onRecordScreen = [self] {
-        if (self) {
-            self->recordScreen();
-        }
-    };
+    hotKeyManager_->onRecordWindow = weakly(&AppDelegate::recordWindow);
+    hotKeyManager_->onRecordScreen = weakly(&AppDelegate::recordScreen);
     hotKeyManager_->registerAll();
     // Every later change of the bindings re-registers all of them.
     connect(
@@ -232,16 +224,8 @@ void AppDelegate::showHUD() {
     printDiagnostic(QStringLiteral("Quillix: the capture HUD comes in a later version"));
 }
 
-void AppDelegate::closeEverythingBeforeCapture() {
-    if (popover_) {
-        popover_->hide();
-    }
-    orderOutPill();
-    removeClickMonitor();
-}
-
 void AppDelegate::captureArea() {
-    closeEverythingBeforeCapture();
+    handleClosePopover();
     QTimer::singleShot(kPanelsLeaveDelayMs, this, [this] {
         for (QWidget* window : QApplication::topLevelWidgets()) {
             window->hide();
@@ -253,14 +237,14 @@ void AppDelegate::captureArea() {
 }
 
 void AppDelegate::recordWindow() {
-    closeEverythingBeforeCapture();
+    handleClosePopover();
     QTimer::singleShot(kCaptureStartDelayMs, this, [] {
         printDiagnostic(QStringLiteral("Quillix: window recording comes in a later version"));
     });
 }
 
 void AppDelegate::recordScreen() {
-    closeEverythingBeforeCapture();
+    handleClosePopover();
     QTimer::singleShot(kCaptureStartDelayMs, this, [] {
         printDiagnostic(QStringLiteral("Quillix: screen recording comes in a later version"));
     });

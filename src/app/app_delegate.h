@@ -50,7 +50,6 @@ private:
     void captureArea();
     void recordWindow();
     void recordScreen();
-    void closeEverythingBeforeCapture();
 
     std::unique_ptr<QSystemTrayIcon> statusItem_;
     std::unique_ptr<PopoverWindow> popover_;
