@@ -1,0 +1,252 @@
+#include "annotation/annotation_toolbar.h"
+
+#include <QImage>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include "annotation/annotation_sidebar.h"
+#include "annotation/symbol_icon.h"
+
+namespace {
+
+const QStringList kToolLabels{"Pencil", "Arrow",    "Rectangle", "Text",
+                              "Blur",   "Pixelate", "Crop",      "Highlight"};
+
+Annotation someRectangle() {
+    return Annotation{Annotation::Rectangle{QRectF(1, 2, 30, 40), Qt::red}};
+}
+
+// Buttons in the order a screen reader meets them.
+QStringList accessibleNamesInLayoutOrder(QWidget& palette) {
+    QStringList names;
+    for (QAbstractButton* button : palette.findChildren<QAbstractButton*>()) {
+        names << button->accessibleName();
+    }
+    return names;
+}
+
+}  // namespace
+
+class AnnotationToolbarTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void toolbarShowsToolsSwatchUndoAndSaveInOrderWithTheirTooltips() {
+        AnnotationState state;
+        AnnotationToolbar toolbar(&state);
+        QStringList expected = kToolLabels;
+        expected << "Color"
+                 << "Undo (⌘Z)"
+                 << "Save (Return)";
+        QCOMPARE(accessibleNamesInLayoutOrder(toolbar), expected);
+        for (QAbstractButton* button : toolbar.findChildren<QAbstractButton*>()) {
+            QCOMPARE(button->toolTip(), button->accessibleName());
+        }
+        // Left to right on screen as well.
+        toolbar.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&toolbar));
+        int previousRight = -1;
+        for (QAbstractButton* button : toolbar.findChildren<QAbstractButton*>()) {
+            QVERIFY2(button->x() > previousRight, qPrintable(button->accessibleName()));
+            previousRight = button->geometry().right();
+        }
+    }
+
+    void sidebarSpellsItsKeysDifferently() {
+        AnnotationState state;
+        AnnotationSidebar sidebar(&state);
+        QStringList expected = kToolLabels;
+        expected << "Stroke color"
+                 << "Undo (⌘Z)"
+                 << "Save (⌘S)";
+        QCOMPARE(accessibleNamesInLayoutOrder(sidebar), expected);
+        QCOMPARE(sidebar.width(), 44);
+    }
+
+    void clickingEachToolSelectsItAndSwitchesDrawingOn() {
+        AnnotationState state;
+        AnnotationToolbar toolbar(&state);
+        toolbar.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&toolbar));
+        for (const AnnotationTool tool : kAllAnnotationTools) {
+            state.reset();
+            QVERIFY(!state.isDrawingEnabled());
+            QTest::mouseClick(toolbar.toolButton(tool), Qt::LeftButton);
+            QCOMPARE(state.activeTool(), tool);
+            QVERIFY(state.isDrawingEnabled());
+        }
+    }
+
+    void pressingTheActiveToolAgainSwitchesDrawingBackOn() {
+        AnnotationState state;
+        AnnotationSidebar sidebar(&state);
+        sidebar.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&sidebar));
+        state.selectTool(AnnotationTool::blur);
+        state.reset();  // back to the pencil, drawing off
+        PaletteToolButton* pencil = sidebar.toolButton(AnnotationTool::pencil);
+        QVERIFY(pencil->isActive());
+        QTest::mouseClick(pencil, Qt::LeftButton);
+        QVERIFY(state.isDrawingEnabled());
+        QVERIFY(pencil->isActive());
+        QVERIFY(pencil->isChecked());  // the click did not toggle it off
+    }
+
+    void highlightFollowsTheState() {
+        AnnotationState state;
+        AnnotationToolbar toolbar(&state);
+        AnnotationSidebar sidebar(&state);
+        const auto activeTools = [](auto& palette) {
+            QList<AnnotationTool> active;
+            for (const AnnotationTool tool : kAllAnnotationTools) {
+                if (palette.toolButton(tool)->isActive()) {
+                    active << tool;
+                }
+            }
+            return active;
+        };
+        using Tools = QList<AnnotationTool>;
+        QCOMPARE(activeTools(toolbar), Tools{AnnotationTool::pencil});
+        state.selectTool(AnnotationTool::highlighter);
+        QCOMPARE(activeTools(toolbar), Tools{AnnotationTool::highlighter});
+        QCOMPARE(activeTools(sidebar), Tools{AnnotationTool::highlighter});
+        // A click in one palette shows in the other.
+        QTest::mouseClick(toolbar.toolButton(AnnotationTool::crop), Qt::LeftButton);
+        QCOMPARE(activeTools(sidebar), Tools{AnnotationTool::crop});
+        state.reset();
+        QCOMPARE(activeTools(toolbar), Tools{AnnotationTool::pencil});
+        QVERIFY(!toolbar.undoButton()->isChecked());
+    }
+
+    void swatchesShowTheCurrentColor() {
+        AnnotationState state;
+        AnnotationToolbar toolbar(&state);
+        AnnotationSidebar sidebar(&state);
+        QCOMPARE(toolbar.colorSwatch()->color(), AnnotationState::kInitialColor);
+        state.setCurrentColor(QColor(10, 200, 30));
+        QCOMPARE(toolbar.colorSwatch()->color(), QColor(10, 200, 30));
+        QCOMPARE(sidebar.colorSwatch()->color(), QColor(10, 200, 30));
+    }
+
+    void undoAndSaveReachTheirTargets() {
+        AnnotationState state;
+        state.add(someRectangle());
+        state.add(someRectangle());
+        AnnotationToolbar toolbar(&state);
+        // The toolbar's undo is the host's; the editor binds it to the document.
+        connect(&toolbar, &AnnotationToolbar::undoRequested, &state, &AnnotationState::undo);
+        QSignalSpy saves(&toolbar, &AnnotationToolbar::saveRequested);
+        QTest::mouseClick(toolbar.undoButton(), Qt::LeftButton);
+        QCOMPARE(state.annotations().size(), 1);
+        QTest::mouseClick(toolbar.saveButton(), Qt::LeftButton);
+        QCOMPARE(saves.count(), 1);
+        QCOMPARE(state.annotations().size(), 1);
+
+        // The sidebar undoes on the document directly.
+        AnnotationSidebar sidebar(&state);
+        state.add(Annotation{Annotation::Crop{QRectF(0, 0, 5, 5)}});
+        QTest::mouseClick(sidebar.undoButton(), Qt::LeftButton);
+        QCOMPARE(state.annotations().size(), 0);
+        QVERIFY(state.cropRect().has_value());
+        QTest::mouseClick(sidebar.undoButton(), Qt::LeftButton);
+        QVERIFY(!state.cropRect().has_value());
+        QSignalSpy sidebarSaves(&sidebar, &AnnotationSidebar::saveRequested);
+        QTest::mouseClick(sidebar.saveButton(), Qt::LeftButton);
+        QCOMPARE(sidebarSaves.count(), 1);
+    }
+
+    void paletteOutlivingItsStateStaysQuiet() {
+        auto* state = new AnnotationState;
+        AnnotationSidebar sidebar(state);
+        delete state;
+        QTest::mouseClick(sidebar.toolButton(AnnotationTool::arrow), Qt::LeftButton);
+        QTest::mouseClick(sidebar.undoButton(), Qt::LeftButton);
+        QTest::mouseClick(sidebar.colorSwatch(), Qt::LeftButton);
+        QVERIFY(sidebar.state() == nullptr);
+    }
+
+    void everySymbolIsDrawnAndTinted() {
+        QStringList names{"arrow.uturn.backward", "checkmark"};
+        for (const AnnotationTool tool : kAllAnnotationTools) {
+            names << paletteIconName(tool);
+        }
+        for (const QString& name : names) {
+            const QImage image =
+                symbolPixmap(name, QColor(0, 0, 255), QSize(24, 24), 2.0).toImage();
+            QCOMPARE(image.size(), QSize(48, 48));
+            int drawn = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const QColor pixel = image.pixelColor(x, y);
+                    if (pixel.alpha() == 255) {
+                        ++drawn;
+                        QCOMPARE(pixel.rgb(), QColor(0, 0, 255).rgb());
+                    }
+                }
+            }
+            QVERIFY2(drawn > 40, qPrintable(name));
+        }
+        // An unknown symbol is blank, not an error.
+        const QImage blank = symbolPixmap("no.such.symbol", Qt::red, QSize(8, 8)).toImage();
+        QCOMPARE(blank.pixelColor(4, 4).alpha(), 0);
+    }
+
+    void panelIsAtLeast400WideAndTwoTallerThanTheRow() {
+        QCOMPARE(AnnotationToolbar::panelSize(QSize(300, 42)), QSize(400, 44));
+        QCOMPARE(AnnotationToolbar::panelSize(QSize(520, 42)), QSize(520, 44));
+        AnnotationState state;
+        AnnotationToolbar toolbar(&state);
+        QCOMPARE(toolbar.sizeHint().height(), 28 + 2 * 7);
+    }
+
+    void placementGoesUnderTheSelectionWhenThereIsRoom() {
+        const QRect screen(0, 0, 1920, 1080);
+        const QSize panel(460, 44);
+        QCOMPARE(AnnotationToolbar::placement(QRectF(100, 200, 300, 150), screen, panel),
+                 QPoint(100, 200 + 150 + 8));
+        // Exactly fitting above the bottom still counts as room.
+        QCOMPARE(
+            AnnotationToolbar::placement(QRectF(100, 200, 300, 1080 - 44 - 8 - 200), screen, panel),
+            QPoint(100, 1080 - 44));
+    }
+
+    void placementGoesOverTheSelectionWithoutRoomBelow() {
+        const QRect screen(0, 0, 1920, 1080);
+        const QSize panel(460, 44);
+        QCOMPARE(AnnotationToolbar::placement(QRectF(100, 500, 300, 580), screen, panel),
+                 QPoint(100, 500 - 8 - 44));
+        // A panel at the bottom of the screen (outside the visible area) counts.
+        const QRect visible(0, 0, 1920, 1040);
+        QCOMPARE(AnnotationToolbar::placement(QRectF(100, 200, 300, 800), screen, visible, panel),
+                 QPoint(100, 200 - 8 - 44));
+    }
+
+    void placementNearTheRightEdgeAlignsWithTheSelectionsRight() {
+        const QRect screen(0, 0, 1920, 1080);
+        const QSize panel(460, 44);
+        QCOMPARE(AnnotationToolbar::placement(QRectF(1700, 100, 200, 100), screen, panel),
+                 QPoint(1900 - 460, 208));
+    }
+
+    void placementNeverStartsCloserThan8ToTheLeftEdge() {
+        const QRect screen(0, 0, 1920, 1080);
+        QCOMPARE(AnnotationToolbar::placement(QRectF(0, 100, 200, 100), screen, QSize(460, 44)),
+                 QPoint(8, 208));
+        // Right-aligned on a narrow selection that would cross the left edge.
+        const QRect narrowScreen(0, 0, 500, 400);
+        QCOMPARE(
+            AnnotationToolbar::placement(QRectF(100, 10, 300, 50), narrowScreen, QSize(460, 44)),
+            QPoint(8, 68));
+    }
+
+    void placementIsInGlobalCoordinatesOfASecondScreen() {
+        const QRect second(1920, 120, 1280, 1024);
+        QCOMPARE(AnnotationToolbar::placement(QRectF(0, 0, 300, 200), second, QSize(460, 44)),
+                 QPoint(1920 + 8, 120 + 208));
+        QCOMPARE(AnnotationToolbar::placement(QRectF(1000, 900, 200, 124), second, QSize(460, 44)),
+                 QPoint(1920 + 1200 - 460, 120 + 900 - 52));
+    }
+};
+
+QTEST_MAIN(AnnotationToolbarTest)
+#include "annotation_toolbar_test.moc"
