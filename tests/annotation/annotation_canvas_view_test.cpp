@@ -1,0 +1,277 @@
+// The drawing canvas driven with real mouse and key events on a shown widget:
+// what each gesture commits, what it drops, Shift constraints, the text
+// field, undo keys and what the canvas paints.
+
+#include "annotation/annotation_canvas_view.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QRandomGenerator>
+#include <QtTest>
+#include <memory>
+
+#include "annotation/annotation_state.h"
+
+namespace {
+
+QImage noiseImage(int width, int height) {
+    QRandomGenerator random(7);
+    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const int v = random.bounded(256);
+            image.setPixel(x, y, qRgb(v, v, v));
+        }
+    }
+    return image;
+}
+
+double greyVariance(const QImage& image, const QRect& area) {
+    double sum = 0;
+    double sumSquares = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            const double v = qGray(image.pixel(x, y));
+            sum += v;
+            sumSquares += v * v;
+        }
+    }
+    const double n = static_cast<double>(area.width()) * area.height();
+    return sumSquares / n - (sum / n) * (sum / n);
+}
+
+}  // namespace
+
+class AnnotationCanvasViewTest : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<AnnotationState> state;
+    std::unique_ptr<AnnotationCanvasView> canvas;
+
+    void drag(QPoint from, QPoint to, Qt::KeyboardModifiers releaseModifiers = {}) {
+        QTest::mousePress(canvas.get(), Qt::LeftButton, {}, from);
+        QTest::mouseMove(canvas.get(), (from + to) / 2);
+        QTest::mouseMove(canvas.get(), to);
+        QTest::mouseRelease(canvas.get(), Qt::LeftButton, releaseModifiers, to);
+    }
+
+    template <typename Kind>
+    const Kind* lastAs() const {
+        if (state->annotations().isEmpty()) {
+            return nullptr;
+        }
+        return std::get_if<Kind>(&state->annotations().last().kind);
+    }
+
+private Q_SLOTS:
+    void init() {
+        state = std::make_unique<AnnotationState>();
+        canvas = std::make_unique<AnnotationCanvasView>(*state, noiseImage(400, 300));
+        canvas->resize(400, 300);
+        canvas->show();
+        QVERIFY(QTest::qWaitForWindowExposed(canvas.get()));
+    }
+
+    void cleanup() {
+        canvas.reset();
+        state.reset();
+    }
+
+    void publishesItsSizeAndName() {
+        QCOMPARE(state->canvasSize(), QSizeF(400, 300));
+        QCOMPARE(canvas->accessibleName(), QStringLiteral("Annotation canvas"));
+    }
+
+    void ignoresTheMouseUntilAToolIsSelected() {
+        drag({10, 10}, {100, 100});
+        QVERIFY(state->annotations().isEmpty());
+        state->selectTool(AnnotationTool::rectangle);
+        state->reset();  // drawing goes off again
+        drag({10, 10}, {100, 100});
+        QVERIFY(state->annotations().isEmpty());
+    }
+
+    void pencilAndHighlighterCommitStrokes() {
+        state->selectTool(AnnotationTool::pencil);
+        drag({10, 10}, {50, 30});
+        auto* pencil = lastAs<Annotation::Stroke>();
+        QVERIFY(pencil);
+        QCOMPARE(pencil->points.first(), QPointF(10, 10));
+        QCOMPARE(pencil->points.last(), QPointF(50, 30));
+        QCOMPARE(pencil->points.size(), 4);
+        QCOMPARE(pencil->width, 2.0);
+        QCOMPARE(pencil->opacity, 1.0);
+        QCOMPARE(pencil->color, AnnotationState::kInitialColor);
+
+        state->selectTool(AnnotationTool::highlighter);
+        state->setCurrentColor(Qt::yellow);
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(70, 70));
+        auto* highlight = lastAs<Annotation::Stroke>();
+        QVERIFY(highlight);
+        // A click is a stroke of two equal points.
+        QCOMPARE(highlight->points, (QVector<QPointF>{{70, 70}, {70, 70}}));
+        QCOMPARE(highlight->width, 12.0);
+        QCOMPARE(highlight->opacity, 0.4);
+        QCOMPARE(highlight->color, QColor(Qt::yellow));
+    }
+
+    void arrowNeedsLengthAndSnapsWithShift() {
+        state->selectTool(AnnotationTool::arrow);
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(70, 70));
+        QVERIFY(state->annotations().isEmpty());
+
+        drag({100, 100}, {150, 140});
+        auto* free = lastAs<Annotation::Arrow>();
+        QVERIFY(free);
+        QCOMPARE(free->to, QPointF(150, 140));
+
+        drag({100, 100}, {150, 140}, Qt::ShiftModifier);  // 38.7° snaps to 45°
+        auto* snapped = lastAs<Annotation::Arrow>();
+        QVERIFY(snapped);
+        const qreal length = std::hypot(50.0, 40.0);
+        QVERIFY(qAbs(snapped->to.x() - (100 + length / std::sqrt(2.0))) < 1e-6);
+        QVERIFY(qAbs(snapped->to.y() - (100 + length / std::sqrt(2.0))) < 1e-6);
+
+        drag({100, 100}, {40, 110}, Qt::ShiftModifier);  // about 170° snaps to 180°
+        auto* left = lastAs<Annotation::Arrow>();
+        QVERIFY(left);
+        QVERIFY(qAbs(left->to.y() - 100) < 1e-6);
+        QVERIFY(qAbs(left->to.x() - (100 - std::hypot(60.0, 10.0))) < 1e-6);
+    }
+
+    void rectangleMinimumAndShiftSquare() {
+        state->selectTool(AnnotationTool::rectangle);
+        drag({10, 10}, {12, 60});  // 2 × 50: too thin
+        QVERIFY(state->annotations().isEmpty());
+        drag({10, 10}, {13, 13});  // 3 × 3 is kept
+        auto* small = lastAs<Annotation::Rectangle>();
+        QVERIFY(small);
+        QCOMPARE(small->rect, QRectF(10, 10, 3, 3));
+
+        // Dragged up and to the left: the square keeps the minimum corner.
+        drag({200, 200}, {150, 120}, Qt::ShiftModifier);
+        auto* square = lastAs<Annotation::Rectangle>();
+        QVERIFY(square);
+        QCOMPARE(square->rect, QRectF(150, 120, 50, 50));
+    }
+
+    void regionsAndCropNeedMoreThanFourPoints() {
+        state->selectTool(AnnotationTool::blur);
+        drag({10, 10}, {14, 60});
+        QVERIFY(state->annotations().isEmpty());
+        drag({60, 10}, {10, 15});
+        auto* blur = lastAs<Annotation::Blur>();
+        QVERIFY(blur);
+        QCOMPARE(blur->rect, QRectF(10, 10, 50, 5));
+
+        state->selectTool(AnnotationTool::pixelate);
+        drag({100, 100}, {104, 104});
+        QCOMPARE(state->annotations().size(), 1);
+        drag({100, 100}, {130, 140});
+        QVERIFY(lastAs<Annotation::Pixelate>());
+
+        state->selectTool(AnnotationTool::crop);
+        drag({20, 20}, {24, 100});
+        QVERIFY(!state->cropRect());
+        drag({20, 20}, {220, 120});
+        QCOMPARE(state->cropRect(), std::optional<QRectF>(QRectF(20, 20, 200, 100)));
+        QCOMPARE(state->annotations().size(), 2);
+    }
+
+    void undoKeys() {
+        state->selectTool(AnnotationTool::rectangle);
+        drag({10, 10}, {50, 50});
+        drag({60, 60}, {90, 90});
+        state->add({Annotation::Crop{QRectF(0, 0, 100, 100)}});
+        QTest::keyClick(canvas.get(), Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(state->annotations().size(), 1);
+        QTest::keyClick(canvas.get(), Qt::Key_Z, Qt::MetaModifier);
+        QVERIFY(state->annotations().isEmpty());
+        QTest::keyClick(canvas.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QVERIFY(state->cropRect());  // no redo key, and it is not undo either
+        QTest::keyClick(canvas.get(), Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(!state->cropRect());
+    }
+
+    void textFieldCommitsTrimmedTextOnReturn() {
+        state->selectTool(AnnotationTool::text);
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
+        QLineEdit* field = canvas->textField();
+        QVERIFY(field);
+        QCOMPARE(field->geometry(), QRect(50, 60, 200, 28));
+        QCOMPARE(field->placeholderText(), QStringLiteral("Type here…"));
+        QVERIFY(!field->accessibleName().isEmpty());
+        QVERIFY(state->annotations().isEmpty());
+        QTest::keyClicks(field, QStringLiteral("  hello  "));
+        QTest::keyClick(field, Qt::Key_Return);
+        QVERIFY(!canvas->textField());
+        auto* text = lastAs<Annotation::Text>();
+        QVERIFY(text);
+        QCOMPARE(text->text, QStringLiteral("hello"));
+        QCOMPARE(text->origin, QPointF(50, 60));
+        QCOMPARE(text->color, AnnotationState::kInitialColor);
+        QCOMPARE(text->font.pixelSize(), 16);
+    }
+
+    void textFieldDropsBlankEscapedAndReplacedText() {
+        state->selectTool(AnnotationTool::text);
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
+        QTest::keyClicks(canvas->textField(), QStringLiteral("   "));
+        QTest::keyClick(canvas->textField(), Qt::Key_Return);
+        QVERIFY(!canvas->textField());
+
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
+        QTest::keyClicks(canvas->textField(), QStringLiteral("gone"));
+        QTest::keyClick(canvas->textField(), Qt::Key_Escape);
+        QVERIFY(!canvas->textField());
+
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
+        QTest::keyClicks(canvas->textField(), QStringLiteral("first"));
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(150, 160));
+        QVERIFY(canvas->textField());
+        QCOMPARE(canvas->textField()->text(), QString());
+        QVERIFY(state->annotations().isEmpty());
+    }
+
+    void passthroughLeavesPressesToTheHost() {
+        state->selectTool(AnnotationTool::rectangle);
+        canvas->setHitTestPassthrough([](const QPointF& p) { return p.x() < 20; });
+        drag({10, 10}, {100, 100});
+        QVERIFY(state->annotations().isEmpty());
+        drag({30, 10}, {100, 100});
+        QCOMPARE(state->annotations().size(), 1);
+    }
+
+    void paintsFilteredRegionsAndTheCropSurround() {
+        state->add({Annotation::Blur{QRectF(100, 100, 100, 80)}});
+        state->add({Annotation::Crop{QRectF(50, 50, 300, 200)}});
+        QImage painted(canvas->size(), QImage::Format_ARGB32_Premultiplied);
+        painted.fill(Qt::white);
+        canvas->render(&painted);
+        const QImage& source = canvas->sourceImage();
+        const QRect inner(110, 110, 80, 60);
+        QVERIFY(greyVariance(painted, inner) < greyVariance(source, inner) / 20);
+        QCOMPARE(painted.pixelColor(300, 150), QColor(Qt::white));  // inside the crop, no shape
+        // Outside the crop: white dimmed by black at 0.4.
+        QVERIFY(qAbs(painted.pixelColor(10, 10).red() - 153) <= 2);
+        QVERIFY(qAbs(painted.pixelColor(380, 150).red() - 153) <= 2);
+    }
+
+    void newSourceImageRefiltersRegions() {
+        state->add({Annotation::Pixelate{QRectF(100, 100, 60, 60)}});
+        QImage first(canvas->size(), QImage::Format_ARGB32_Premultiplied);
+        canvas->render(&first);
+        QImage red(800, 600, QImage::Format_ARGB32_Premultiplied);  // twice the canvas size
+        red.fill(Qt::red);
+        canvas->setSourceImage(red);
+        QImage second(canvas->size(), QImage::Format_ARGB32_Premultiplied);
+        second.fill(Qt::white);
+        canvas->render(&second);
+        QCOMPARE(second.pixelColor(130, 130), QColor(Qt::red));
+        QCOMPARE(second.pixelColor(90, 130), QColor(Qt::white));
+    }
+};
+
+QTEST_MAIN(AnnotationCanvasViewTest)
+#include "annotation_canvas_view_test.moc"
