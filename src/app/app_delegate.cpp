@@ -7,6 +7,7 @@
 #include <QSystemTrayIcon>
 #include <QTimer>
 
+#include "annotation/annotation_overlay_controller.h"
 #include "app/app_signals.h"
 #include "app/bar_icon.h"
 #include "app/diagnostics.h"
@@ -50,6 +51,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     runCleanUpAtLaunch();
     setUpHotkeys();
     setUpNotifications();
+    // The first screen grab of a process sets up shared memory (50–80 ms):
+    // pay for it now rather than on the first area capture.
+    QTimer::singleShot(0, this, [] { AnnotationOverlayController::warmUp(); });
 }
 
 void AppDelegate::buildStatusItem() {
@@ -230,9 +234,8 @@ void AppDelegate::captureArea() {
         for (QWidget* window : QApplication::topLevelWidgets()) {
             window->hide();
         }
-        QTimer::singleShot(kCaptureStartDelayMs, this, [] {
-            printDiagnostic(QStringLiteral("Quillix: the area editor comes in a later version"));
-        });
+        QTimer::singleShot(kCaptureStartDelayMs, this,
+                           [] { AnnotationOverlayController::start(); });
     });
 }
 

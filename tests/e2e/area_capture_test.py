@@ -1,0 +1,129 @@
+#!/usr/bin/python3
+"""Area capture driven like a user: Super+2, a drag, tools, Return or Escape."""
+import glob
+import json
+import os
+import subprocess
+import sys
+import time
+import unittest
+
+sys.path.insert(0, os.path.dirname(__file__))
+from quillix_session import (FreshHome, RunningApp, differing_pixels,  # noqa: E402
+                             try_open_file, viewable_windows, wait_until, window_geometry,
+                             xdotool)
+
+BINARY = None
+SELECTION = (250, 150, 300, 200)  # x, y, width, height on screen
+OVERLAY = "Area selection"
+TOOLBAR = "Annotation toolbar"
+TOOL_BUTTON_PITCH = 34.5  # toolbar buttons: pencil, arrow, rectangle, …
+
+
+def pixel(path, x, y):
+    text = subprocess.run(["convert", path, "-format", f"%[pixel:p{{{x},{y}}}]", "info:"],
+                          capture_output=True, text=True, check=True).stdout
+    values = text[text.index("(") + 1:text.index(")")].split(",")
+    return tuple(int(float(v)) for v in values[:3])  # red, green, blue
+
+
+class AreaCapture(unittest.TestCase):
+    def setUp(self):
+        self.home = FreshHome()
+        subprocess.run(["xsetroot", "-solid", "#336699"], check=True)
+        pattern = os.path.join(self.home.root, "pattern.png")
+        subprocess.run(["convert", "-size", "240x160", "gradient:#ff2020-#2040ff", "-fill",
+                        "#10c010", "-draw", "rectangle 20,20 90,70", "-depth", "8",
+                        f"PNG24:{pattern}"], check=True)
+        self.viewer = subprocess.Popen(["display", "-geometry", "+300+200", pattern])
+        subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--class", "display"],
+                       capture_output=True, check=True)
+        self.app = RunningApp(BINARY, self.home)
+        wait_until(lambda: "(id 6)" in self.app.output(), what="hotkeys")
+        time.sleep(0.5)
+        self.screen = os.path.join(self.home.root, "screen.png")
+        subprocess.run(["import", "-window", "root", self.screen], check=True)
+
+    def tearDown(self):
+        self.app.stop()
+        self.viewer.terminate()
+        if self._outcome.result.failures or self._outcome.result.errors:
+            print(self.app.output())
+        self.home.cleanup()
+
+    def captures(self):
+        return glob.glob(os.path.join(self.home.folders["Desktop"], "Screenshot_*.png"))
+
+    def select(self, x, y, width, height):
+        xdotool("key", "super+2")
+        wait_until(lambda: viewable_windows(OVERLAY), what="the area overlay")
+        time.sleep(0.2)
+        xdotool("mousemove", str(x), str(y), "mousedown", "1", "mousemove", str(x + width // 2),
+                str(y + height // 2), "mousemove", str(x + width), str(y + height), "mouseup", "1")
+
+    def expected_cut(self):
+        x, y, width, height = SELECTION
+        cut = os.path.join(self.home.root, "expected.png")
+        subprocess.run(["convert", self.screen, "-crop", f"{width}x{height}+{x}+{y}", "+repage",
+                        cut], check=True)
+        return cut
+
+    def choose_tool(self, index):
+        toolbar = wait_until(lambda: viewable_windows(TOOLBAR), what="the toolbar")[0]
+        x, y, _, height = window_geometry(toolbar)
+        xdotool("mousemove", str(int(x + 24 + index * TOOL_BUTTON_PITCH)), str(y + height // 2),
+                "click", "1")
+        time.sleep(0.2)
+
+    def save(self):
+        xdotool("key", "Return")
+        return wait_until(self.captures, what="the saved capture")[0]
+
+    def test_drag_and_return_save_the_screen_pixels(self):
+        self.select(*SELECTION)
+        capture = self.save()
+        self.assertEqual(len(self.captures()), 1)
+        self.assertFalse(viewable_windows(OVERLAY))
+        self.assertEqual(differing_pixels(self.expected_cut(), capture), 0)
+        inode = os.stat(capture).st_ino
+        wait_until(lambda: (lambda doc: doc is not None and inode in json.loads(doc))(
+            try_open_file(os.path.join(self.home.data_dir, "registry.bin"))),
+            what="the inode in registry.bin")
+        clip = os.path.join(self.home.root, "clip.png")
+        with open(clip, "wb") as out:
+            subprocess.run(["xclip", "-selection", "clipboard", "-t", "image/png", "-o"],
+                           stdout=out, check=True, timeout=10)
+        self.assertEqual(differing_pixels(clip, capture), 0)
+
+    def test_a_rectangle_from_the_toolbar_is_burnt_in_and_undo_removes_shapes(self):
+        x, y, _, _ = SELECTION
+        self.select(*SELECTION)
+        self.choose_tool(2)  # rectangle
+        xdotool("mousemove", str(x + 50), str(y + 40), "mousedown", "1", "mousemove",
+                str(x + 100), str(y + 80), "mousemove", str(x + 150), str(y + 120), "mouseup", "1")
+        # A second rectangle, then Ctrl+Z removes it again before saving.
+        xdotool("mousemove", str(x + 200), str(y + 20), "mousedown", "1", "mousemove",
+                str(x + 250), str(y + 60), "mousemove", str(x + 280), str(y + 100), "mouseup", "1")
+        xdotool("key", "ctrl+z")
+        capture = self.save()
+        red = pixel(capture, 100, 40)
+        self.assertGreater(red[0], 200, red)
+        self.assertLess(red[1], 120, red)
+        expected = self.expected_cut()
+        self.assertEqual(pixel(capture, 100, 80), pixel(expected, 100, 80))  # outline only
+        self.assertEqual(pixel(capture, 240, 20), pixel(expected, 240, 20))  # undone shape
+
+    def test_escape_leaves_nothing_and_a_thin_selection_is_not_confirmed(self):
+        self.select(250, 150, 10, 200)
+        time.sleep(0.8)
+        self.assertTrue(viewable_windows(OVERLAY))
+        self.assertFalse(viewable_windows(TOOLBAR), "a 10-pixel-wide selection is not confirmed")
+        xdotool("key", "Escape")
+        wait_until(lambda: not viewable_windows(OVERLAY), what="the overlay to close")
+        time.sleep(0.5)
+        self.assertEqual(self.captures(), [])
+
+
+if __name__ == "__main__":
+    BINARY = sys.argv.pop(1)
+    unittest.main(verbosity=2)
