@@ -17,8 +17,8 @@ enum class AnnotationTool {
 };
 
 inline constexpr std::array<AnnotationTool, 8> kAllAnnotationTools{
-    AnnotationTool::pencil, AnnotationTool::arrow,    AnnotationTool::rectangle,
-    AnnotationTool::text,   AnnotationTool::blur,     AnnotationTool::pixelate,
+    AnnotationTool::pencil, AnnotationTool::arrow,       AnnotationTool::rectangle,
+    AnnotationTool::text,   AnnotationTool::blur,        AnnotationTool::pixelate,
     AnnotationTool::crop,   AnnotationTool::highlighter,
 };
 
