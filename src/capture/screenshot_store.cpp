@@ -4,19 +4,22 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
 #include <QImageReader>
+#include <QMutex>
+#include <QMutexLocker>
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
-#include <QtConcurrent/QtConcurrentMap>
 #include <algorithm>
 #include <cmath>
 #include <optional>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "capture/capture_registry.h"
@@ -30,14 +33,45 @@ struct ScreenshotStore::ScanRequest {
     // A copy taken on the GUI thread: the registry itself is not thread-safe.
     std::unordered_set<quint64> ownInodes;
     int limit = UserDefaults::kMaxScreenshotsDefault;
-    ThumbnailCache cache;
-    std::shared_ptr<const VideoFrameReader> videoFrameReader;
+};
+
+// A listed file whose thumbnail is not (or not yet) in the cache.
+struct ScreenshotStore::PendingThumbnail {
+    QString id;
+    QString path;
+    QString lowerSuffix;
+    qint64 fileSize = 0;
 };
 
 struct ScreenshotStore::ScanResult {
+    // Newest first, without thumbnails; `files` runs parallel to it.
     QList<ScreenshotItem> items;
-    ThumbnailCache cache;
+    std::vector<PendingThumbnail> files;
     int limit = UserDefaults::kMaxScreenshotsDefault;
+};
+
+struct ScreenshotStore::DecodedThumbnail {
+    QString id;
+    CachedThumbnail thumbnail;
+};
+
+// One scan's missing thumbnails, decoded by a few workers that each take the
+// next file until none is left. Decoded thumbnails are handed to the GUI
+// thread in batches.
+struct ScreenshotStore::ThumbnailFill {
+    int generation = 0;
+    std::vector<PendingThumbnail> files;
+    std::shared_ptr<const VideoFrameReader> videoFrameReader;
+    // Set on the GUI thread when a newer scan is published: workers take no
+    // further file.
+    std::atomic<bool> superseded = false;
+
+    QMutex mutex;  // Guards everything below.
+    size_t nextFile = 0;
+    size_t decodedCount = 0;
+    int activeWorkers = 0;
+    std::vector<DecodedThumbnail> batch;
+    QElapsedTimer sinceLastBatch;
 };
 
 namespace {
@@ -142,14 +176,11 @@ void collectCaptureFiles(const QString& folder, bool onlyOwnCaptures,
     }
 }
 
-// Runs `work` on the pool's threads while the calling pool thread waits; the
-// waiting thread gives its slot back so the pool can use every core.
-template <typename Sequence, typename Work>
-void runInParallel(QThreadPool& pool, Sequence& sequence, Work work) {
-    pool.releaseThread();
-    QtConcurrent::blockingMap(&pool, sequence, work);
-    pool.reserveThread();
-}
+// Decoded thumbnails are handed to the GUI thread in batches of this many,
+// or of whatever came in during this long, so the gallery fills steadily
+// without one update per picture.
+constexpr size_t kThumbnailBatchSize = 16;
+constexpr qint64 kThumbnailBatchIntervalMs = 100;
 
 }  // namespace
 
@@ -175,6 +206,7 @@ ScreenshotStore::ScreenshotStore(const QString& desktopFolder, const QString& sc
       videoFrameReader_(videoFrameReader ? std::move(videoFrameReader)
                                          : std::make_shared<FfmpegVideoFrameReader>()) {
     pool_.setMaxThreadCount(std::max(1, QThread::idealThreadCount()));
+    thumbnailPool_.setMaxThreadCount(std::max(1, QThread::idealThreadCount()));
     // The first scan is published from the event loop: the shell's launch
     // clean-up, called right after construction, finds an empty list.
     startScan();
@@ -190,8 +222,10 @@ ScreenshotStore::ScreenshotStore(const QString& desktopFolder, const QString& sc
 
 ScreenshotStore::~ScreenshotStore() {
     stopWatching();
+    supersedeThumbnailFill();
     // Jobs post their results to this object; let them finish while it is
     // still whole. Results not yet delivered are dropped with the object.
+    thumbnailPool_.waitForDone();
     pool_.waitForDone();
 }
 
@@ -230,16 +264,14 @@ void ScreenshotStore::startScan() {
         request.ownInodes = registry_.inodes();
     }
     request.limit = defaults_.maxScreenshots();
-    request.cache = thumbnailCache_;
-    request.videoFrameReader = videoFrameReader_;
     pool_.start([this, request = std::move(request)] {
-        const ScanResult result = scan(request, pool_);
+        const ScanResult result = scan(request);
         QMetaObject::invokeMethod(
             this, [this, result] { publish(result); }, Qt::QueuedConnection);
     });
 }
 
-ScreenshotStore::ScanResult ScreenshotStore::scan(const ScanRequest& request, QThreadPool& pool) {
+ScreenshotStore::ScanResult ScreenshotStore::scan(const ScanRequest& request) {
     std::vector<FoundFile> found;
     for (const QString& folder : request.folders) {
         collectCaptureFiles(folder, request.onlyOwnCaptures, request.ownInodes, found);
@@ -254,34 +286,24 @@ ScreenshotStore::ScanResult ScreenshotStore::scan(const ScanRequest& request, QT
 
     ScanResult result;
     result.limit = request.limit;
-    std::vector<FoundFile*> undecoded;
-    for (FoundFile& file : found) {
-        const auto cached = request.cache.constFind(file.item.id());
-        if (cached != request.cache.constEnd() && cached->fileSize == file.size) {
-            file.item.setThumbnail(cached->image);
-        } else {
-            undecoded.push_back(&file);
-        }
-    }
-    const VideoFrameReader& videoFrameReader = *request.videoFrameReader;
-    runInParallel(pool, undecoded, [&videoFrameReader](FoundFile* file) {
-        file->item.setThumbnail(
-            thumbnailFor(file->item.path(), file->lowerSuffix, videoFrameReader));
-    });
-
     result.items.reserve(qsizetype(found.size()));
+    result.files.reserve(found.size());
     for (const FoundFile& file : found) {
-        result.cache.insert(file.item.id(), {file.size, file.item.thumbnail()});
         result.items.append(file.item);
+        result.files.push_back({file.item.id(), file.item.path(), file.lowerSuffix, file.size});
     }
     return result;
 }
 
 void ScreenshotStore::publish(const ScanResult& result) {
     screenshots_ = result.items;
-    thumbnailCache_ = result.cache;
+    std::vector<PendingThumbnail> missing = takeCachedThumbnails(result);
     ++publishedScanCount_;
     scanRunning_ = false;
+    supersedeThumbnailFill();
+    if (!missing.empty()) {
+        startThumbnailFill(std::move(missing));
+    }
     if (scanWaiting_) {
         scanWaiting_ = false;
         startScan();
@@ -293,6 +315,125 @@ void ScreenshotStore::publish(const ScanResult& result) {
         pruneBeyond(result.limit);
     }
     emitIfIdle();
+}
+
+// Gives the just-published items the thumbnails the cache holds for their
+// file version, keeps only those in the cache, and returns the files whose
+// thumbnail is still missing, newest first. The cache is read here rather
+// than when the scan started so that thumbnails an earlier filling decoded
+// meanwhile are not decoded again.
+std::vector<ScreenshotStore::PendingThumbnail> ScreenshotStore::takeCachedThumbnails(
+    const ScanResult& result) {
+    ThumbnailCache kept;
+    std::vector<PendingThumbnail> missing;
+    for (qsizetype i = 0; i < screenshots_.size(); ++i) {
+        const PendingThumbnail& file = result.files[size_t(i)];
+        const auto cached = thumbnailCache_.constFind(file.id);
+        if (cached != thumbnailCache_.constEnd() && cached->fileSize == file.fileSize) {
+            screenshots_[i].setThumbnail(cached->image);
+            kept.insert(file.id, *cached);
+        } else {
+            missing.push_back(file);
+        }
+    }
+    thumbnailCache_ = std::move(kept);
+    return missing;
+}
+
+void ScreenshotStore::startThumbnailFill(std::vector<PendingThumbnail> pending) {
+    auto fill = std::make_shared<ThumbnailFill>();
+    fill->generation = fillGeneration_;
+    fill->files = std::move(pending);
+    fill->videoFrameReader = videoFrameReader_;
+    fill->activeWorkers =
+        int(std::min<size_t>(size_t(thumbnailPool_.maxThreadCount()), fill->files.size()));
+    fill->sinceLastBatch.start();
+    currentFill_ = fill;
+    ++fillsRunning_;
+    for (int worker = 0; worker < fill->activeWorkers; ++worker) {
+        thumbnailPool_.start([this, fill] { runThumbnailFillWorker(fill); });
+    }
+}
+
+void ScreenshotStore::supersedeThumbnailFill() {
+    ++fillGeneration_;
+    if (currentFill_ != nullptr) {
+        currentFill_->superseded = true;
+        currentFill_.reset();
+    }
+}
+
+// One worker: decodes files until none is left or the filling is
+// superseded, handing over the batch whenever it is due. The last worker to
+// stop hands over what is left and reports the filling finished.
+void ScreenshotStore::runThumbnailFillWorker(const std::shared_ptr<ThumbnailFill>& fill) {
+    const auto handOver = [this, generation = fill->generation](std::vector<DecodedThumbnail> batch,
+                                                                bool finished) {
+        QMetaObject::invokeMethod(
+            this,
+            [this, generation, batch = std::move(batch), finished] {
+                receiveThumbnails(generation, batch, finished);
+            },
+            Qt::QueuedConnection);
+    };
+
+    QMutexLocker locker(&fill->mutex);
+    while (!fill->superseded && fill->nextFile < fill->files.size()) {
+        const PendingThumbnail& file = fill->files[fill->nextFile++];
+        locker.unlock();
+        // A file deleted or damaged since the listing gives a null
+        // thumbnail, which is cached like any failed decode.
+        const QImage image = thumbnailFor(file.path, file.lowerSuffix, *fill->videoFrameReader);
+        locker.relock();
+        fill->batch.push_back({file.id, {file.fileSize, image}});
+        ++fill->decodedCount;
+        const bool batchDue = fill->batch.size() >= kThumbnailBatchSize ||
+                              fill->sinceLastBatch.elapsed() >= kThumbnailBatchIntervalMs ||
+                              fill->decodedCount == fill->files.size();
+        if (batchDue) {
+            std::vector<DecodedThumbnail> batch = std::exchange(fill->batch, {});
+            fill->sinceLastBatch.restart();
+            locker.unlock();
+            handOver(std::move(batch), false);
+            locker.relock();
+        }
+    }
+    if (--fill->activeWorkers == 0) {
+        std::vector<DecodedThumbnail> rest = std::exchange(fill->batch, {});
+        locker.unlock();
+        handOver(std::move(rest), true);
+    }
+}
+
+void ScreenshotStore::receiveThumbnails(int fillGeneration,
+                                        const std::vector<DecodedThumbnail>& decoded,
+                                        bool fillFinished) {
+    for (const DecodedThumbnail& thumbnail : decoded) {
+        thumbnailCache_.insert(thumbnail.id, thumbnail.thumbnail);
+    }
+    // A superseded filling only feeds the cache: the newer list may hold
+    // another version of a file under the same id, and its own filling or
+    // cache look-up covers the rest.
+    if (fillGeneration == fillGeneration_ && !decoded.empty()) {
+        QHash<QString, const QImage*> byId;
+        for (const DecodedThumbnail& thumbnail : decoded) {
+            byId.insert(thumbnail.id, &thumbnail.thumbnail.image);
+        }
+        QStringList changedIds;
+        for (ScreenshotItem& item : screenshots_) {
+            if (const QImage* image = byId.value(item.id())) {
+                item.setThumbnail(*image);
+                changedIds.append(item.id());
+            }
+        }
+        if (!changedIds.isEmpty()) {
+            Q_EMIT thumbnailsChanged(changedIds);
+        }
+    }
+    if (fillFinished) {
+        --fillsRunning_;
+        emitIfIdle();
+    }
 }
 
 void ScreenshotStore::startWatching() {
@@ -429,7 +570,8 @@ void ScreenshotStore::finishFileOperation() {
 }
 
 bool ScreenshotStore::isIdle() const {
-    return !scanRunning_ && !scanWaiting_ && fileOperationsRunning_ == 0 && requestsInTransit_ == 0;
+    return !scanRunning_ && !scanWaiting_ && fillsRunning_ == 0 && fileOperationsRunning_ == 0 &&
+           requestsInTransit_ == 0;
 }
 
 void ScreenshotStore::emitIfIdle() {

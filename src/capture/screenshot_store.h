@@ -9,6 +9,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "capture/screenshot_item.h"
 
@@ -26,12 +27,18 @@ class VideoFrameReader;
 // request; items can be moved to the trash one at a time, by age and beyond
 // a count.
 //
-// Confined to the GUI thread. Scans (listing, dates, the registry filter and
-// thumbnails) and file moves run on the store's worker threads; results are
-// published on the GUI thread. At most one scan runs at a time and at most
-// one more waits: all requests that arrive while a scan runs (a burst of
-// folder events) cost one more scan, which starts after the running one is
-// published, so the newest state of the folders always wins.
+// Confined to the GUI thread. Scans (listing, dates, the registry filter),
+// thumbnail decoding and file moves run on the store's worker threads;
+// results are published on the GUI thread. A scan publishes the list as soon
+// as the files are listed, with the thumbnails already cached; the missing
+// ones are then decoded in parallel and handed over in batches
+// (thumbnailsChanged), so the gallery can draw long before every picture is
+// decoded. At most one scan runs at a time and at most one more waits: all
+// requests that arrive while a scan runs (a burst of folder events) cost one
+// more scan, which starts after the running one is published, so the newest
+// state of the folders always wins. A published scan ends the thumbnail
+// filling of the one before; what that filling already decoded is kept in
+// the cache for later scans.
 class ScreenshotStore : public QObject {
     Q_OBJECT
 
@@ -87,8 +94,9 @@ public:
 
     void stopWatching();
 
-    // For tests and benchmarks: whether no scan or file operation is running
-    // or waiting, how many scans have been published, and a wait (running
+    // For tests and benchmarks: whether no scan, thumbnail filling or file
+    // operation is running or waiting (so when idle, every thumbnail is
+    // published), how many scans have been published, and a wait (running
     // the event loop) until idle; false when `timeoutMs` ran out first.
     bool isIdle() const;
     int publishedScanCount() const { return publishedScanCount_; }
@@ -99,7 +107,11 @@ Q_SIGNALS:
     void screenshotsChanged();
     // A scan's result became the list.
     void scanPublished();
-    // The last running scan or file operation finished and none waits.
+    // Thumbnails arrived for the listed items with these ids; the list
+    // itself is unchanged.
+    void thumbnailsChanged(const QStringList& ids);
+    // The last running scan, thumbnail filling or file operation finished
+    // and none waits.
     void becameIdle();
 
 private:
@@ -113,11 +125,20 @@ private:
     using ThumbnailCache = QHash<QString, CachedThumbnail>;
     struct ScanRequest;
     struct ScanResult;
+    struct PendingThumbnail;
+    struct DecodedThumbnail;
+    struct ThumbnailFill;
 
-    static ScanResult scan(const ScanRequest& request, QThreadPool& pool);
+    static ScanResult scan(const ScanRequest& request);
     void startScan();
     void handleRequestInTransit();
     void publish(const ScanResult& result);
+    std::vector<PendingThumbnail> takeCachedThumbnails(const ScanResult& result);
+    void startThumbnailFill(std::vector<PendingThumbnail> pending);
+    void supersedeThumbnailFill();
+    void runThumbnailFillWorker(const std::shared_ptr<ThumbnailFill>& fill);
+    void receiveThumbnails(int fillGeneration, const std::vector<DecodedThumbnail>& decoded,
+                           bool fillFinished);
     void startWatching();
     void trashFiles(const QStringList& paths);
     void insertAtFront(const ScreenshotItem& item, const CachedThumbnail& thumbnail);
@@ -140,10 +161,18 @@ private:
     std::atomic<int> requestsInTransit_ = 0;
     bool scanRunning_ = false;
     bool scanWaiting_ = false;
+    // The filling of the latest published scan; earlier ones are superseded.
+    std::shared_ptr<ThumbnailFill> currentFill_;
+    int fillGeneration_ = 0;
+    // Fillings (superseded ones included) whose workers have not all ended.
+    int fillsRunning_ = 0;
     int fileOperationsRunning_ = 0;
     int publishedScanCount_ = 0;
 
-    // Declared last so that it is destroyed first; the destructor also waits
-    // for it, so no job outlives the members it reads.
+    // Declared last so that they are destroyed first; the destructor also
+    // waits for them, so no job outlives the members it reads. Thumbnails
+    // are decoded on their own pool so that a filling, which keeps every
+    // thread busy for seconds, never holds back a scan or a file move.
     QThreadPool pool_;
+    QThreadPool thumbnailPool_;
 };

@@ -13,8 +13,11 @@
 #include <QThread>
 #include <QTimeZone>
 #include <QtConcurrent/QtConcurrentRun>
+#include <atomic>
+#include <memory>
 
 #include "capture/capture_registry.h"
+#include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 #include "support/test_support.h"
@@ -426,6 +429,165 @@ TEST_F(ScreenshotStoreTest, PruneBeyondTrashesTheTailAndTrimToOnlyShortens) {
     store->trimTo(1);
     EXPECT_EQ(names(*store), QStringList{"4.png"});
     EXPECT_TRUE(QFileInfo::exists(desktop("3.png")));
+}
+
+// The real FFmpeg reader, counting how often the store asks it for a frame.
+class CountingVideoFrameReader : public VideoFrameReader {
+public:
+    QImage firstFrame(const QString& path, int maxSide) const override {
+        ++calls;
+        return reader_.firstFrame(path, maxSide);
+    }
+    mutable std::atomic<int> calls = 0;
+
+private:
+    FfmpegVideoFrameReader reader_;
+};
+
+// What a store published, in order, from its construction on.
+struct PublicationLog {
+    explicit PublicationLog(ScreenshotStore& store) {
+        QObject::connect(&store, &ScreenshotStore::screenshotsChanged, [this, &store] {
+            ++listChanges;
+            qsizetype missing = 0;
+            for (const ScreenshotItem& item : store.screenshots()) {
+                missing += item.thumbnail().isNull() ? 1 : 0;
+            }
+            missingThumbnailsPerList.append(missing);
+        });
+        QObject::connect(&store, &ScreenshotStore::thumbnailsChanged,
+                         [this](const QStringList& ids) {
+                             ++thumbnailUpdates;
+                             thumbnailIds += ids;
+                         });
+    }
+    int listChanges = 0;
+    QList<qsizetype> missingThumbnailsPerList;
+    int thumbnailUpdates = 0;
+    QStringList thumbnailIds;
+};
+
+// By default large enough that decoding them takes a while on any machine.
+QStringList writeLargePngs(const QString& folder, int count, QSize size = {1600, 1000},
+                           QColor left = Qt::red, QColor right = Qt::blue) {
+    QStringList names;
+    for (int i = 0; i < count; ++i) {
+        names.append(QStringLiteral("large-%1.png").arg(i, 2, 10, QLatin1Char('0')));
+        writePng(folder + "/" + names.last(), size, left, right);
+    }
+    return names;
+}
+
+bool everyThumbnailShows(const ScreenshotStore& store, QColor left, QColor right) {
+    for (const ScreenshotItem& item : store.screenshots()) {
+        const QImage& thumbnail = item.thumbnail();
+        if (thumbnail.size() != QSize(200, 125) || thumbnail.pixelColor(20, 60) != left ||
+            thumbnail.pixelColor(180, 60) != right) {
+            ADD_FAILURE() << item.fileName().toStdString() << " has no proper thumbnail";
+            return false;
+        }
+    }
+    return true;
+}
+
+TEST_F(ScreenshotStoreTest, TheListIsPublishedBeforeItsThumbnailsWhichFollowInBatches) {
+    const QStringList files = writeLargePngs(desktop(), 40, {800, 500}, Qt::green, Qt::yellow);
+    ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults);
+    store.stopWatching();
+    const PublicationLog log(store);
+    ASSERT_TRUE(store.waitForIdle());
+
+    EXPECT_EQ(log.listChanges, 1) << "thumbnails never republish the list";
+    ASSERT_EQ(log.missingThumbnailsPerList, QList<qsizetype>{40}) << "listed before decoding";
+    ASSERT_EQ(store.screenshots().size(), 40);
+    EXPECT_TRUE(everyThumbnailShows(store, Qt::green, Qt::yellow));
+    QStringList updatedIds = log.thumbnailIds;
+    QStringList listedIds;
+    for (const ScreenshotItem& item : store.screenshots()) {
+        listedIds.append(item.id());
+    }
+    updatedIds.sort();
+    listedIds.sort();
+    EXPECT_EQ(updatedIds, listedIds) << "each thumbnail announced once";
+    EXPECT_GE(log.thumbnailUpdates, 1);
+    EXPECT_LT(log.thumbnailUpdates, 40) << "handed over in batches";
+
+    // A rescan of unchanged files publishes them with their thumbnails.
+    store.refresh();
+    ASSERT_TRUE(store.waitForIdle());
+    EXPECT_EQ(log.missingThumbnailsPerList.last(), 0);
+    EXPECT_EQ(log.thumbnailIds.size(), 40) << "nothing decoded again";
+}
+
+TEST_F(ScreenshotStoreTest, ARescanDuringTheThumbnailFillingListsTheNewStateAndFillsEverything) {
+    const QStringList files = writeLargePngs(desktop(), 30);
+    ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults);
+    store.stopWatching();
+    QObject::connect(&store, &ScreenshotStore::scanPublished, [&] {
+        if (store.publishedScanCount() != 1) {
+            return;
+        }
+        pauseBetweenFileTimes();
+        writePng(desktop("late.png"), {1600, 1000});
+        ASSERT_TRUE(QFile::remove(desktop(files.first())));
+        store.refresh();
+    });
+    const PublicationLog log(store);
+    ASSERT_TRUE(store.waitForIdle());
+
+    EXPECT_EQ(store.publishedScanCount(), 2);
+    ASSERT_EQ(store.screenshots().size(), 30);
+    EXPECT_EQ(store.screenshots().first().fileName(), "late.png");
+    EXPECT_EQ(find(store, files.first()), nullptr);
+    EXPECT_TRUE(everyThumbnailShows(store, Qt::red, Qt::blue));
+    EXPECT_EQ(log.listChanges, 2);
+}
+
+TEST_F(ScreenshotStoreTest, AFileDeletedDuringTheFillingStaysWithoutThumbnailUntilTheNextScan) {
+    const QStringList files = writeLargePngs(desktop(), 30);
+    ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults);
+    store.stopWatching();
+    QString deleted;
+    QObject::connect(&store, &ScreenshotStore::scanPublished, [&] {
+        // The oldest file is decoded last, so it is gone before its turn.
+        if (deleted.isEmpty()) {
+            deleted = store.screenshots().last().fileName();
+            EXPECT_TRUE(QFile::remove(desktop(deleted)));
+        }
+    });
+    ASSERT_TRUE(store.waitForIdle());
+
+    ASSERT_EQ(store.screenshots().size(), 30);
+    ASSERT_NE(find(store, deleted), nullptr);
+    EXPECT_TRUE(find(store, deleted)->thumbnail().isNull());
+    store.removeFromList(*find(store, deleted));
+    EXPECT_TRUE(everyThumbnailShows(store, Qt::red, Qt::blue));
+
+    store.refresh();
+    ASSERT_TRUE(store.waitForIdle());
+    EXPECT_EQ(store.screenshots().size(), 29);
+    EXPECT_EQ(find(store, deleted), nullptr);
+}
+
+TEST_F(ScreenshotStoreTest, VideosWithoutAFrameAreNotReadAgainOnRescan) {
+    writeFileBytes(desktop("corrupt.mp4"), QByteArray(4096, 'x'));
+    ASSERT_TRUE(makeVideo(desktop("good.mp4")));
+    const auto reader = std::make_shared<CountingVideoFrameReader>();
+    ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults, reader);
+    store.stopWatching();
+    const PublicationLog log(store);
+    ASSERT_TRUE(store.waitForIdle());
+    ASSERT_EQ(reader->calls, 2);
+    EXPECT_TRUE(find(store, "corrupt.mp4")->thumbnail().isNull());
+    EXPECT_FALSE(find(store, "good.mp4")->thumbnail().isNull());
+
+    store.refresh();
+    store.refresh();
+    ASSERT_TRUE(store.waitForIdle());
+    EXPECT_EQ(reader->calls, 2);
+    EXPECT_EQ(log.thumbnailIds.size(), 2);
+    EXPECT_TRUE(find(store, "corrupt.mp4")->thumbnail().isNull());
+    EXPECT_FALSE(find(store, "good.mp4")->thumbnail().isNull());
 }
 
 TEST(ScreenshotItemTest, RelativeAgeCutsOffToWholeUnits) {
