@@ -45,11 +45,13 @@ class AreaCapture(unittest.TestCase):
         subprocess.run(["import", "-window", "root", self.screen], check=True)
 
     def tearDown(self):
-        self.app.stop()
         self.viewer.terminate()
-        if self._outcome.result.failures or self._outcome.result.errors:
-            print(self.app.output())
-        self.home.cleanup()
+        try:
+            self.app.stop_cleanly()
+        finally:
+            if self._outcome.result.failures or self._outcome.result.errors:
+                print(self.app.output())
+            self.home.cleanup()
 
     def captures(self):
         return glob.glob(os.path.join(self.home.folders["Desktop"], "Screenshot_*.png"))
@@ -112,6 +114,35 @@ class AreaCapture(unittest.TestCase):
         expected = self.expected_cut()
         self.assertEqual(pixel(capture, 100, 80), pixel(expected, 100, 80))  # outline only
         self.assertEqual(pixel(capture, 240, 20), pixel(expected, 240, 20))  # undone shape
+
+    def test_blur_region_and_an_arrow_cut_at_the_selection_border(self):
+        x, y, _, _ = SELECTION
+        self.select(*SELECTION)
+        self.choose_tool(4)  # blur
+        self.drag(x + 40, y + 70, x + 180, y + 160)
+        self.choose_tool(1)  # arrow
+        self.drag(x + 200, y + 30, x + 360, y + 30)  # runs past the right edge
+        capture = self.save()
+        expected = self.expected_cut()
+        self.assertEqual(subprocess.run(["identify", "-format", "%wx%h", capture],
+                                        capture_output=True, text=True).stdout, "300x200")
+        # Inside the blur the pattern's sharp edges are smeared…
+        changed = sum(pixel(capture, px, 115) != pixel(expected, px, 115)
+                      for px in range(45, 175, 10))
+        self.assertGreater(changed, 5)
+        # …outside it nothing moved.
+        self.assertEqual(pixel(capture, 20, 20), pixel(expected, 20, 20))
+        self.assertEqual(pixel(capture, 220, 180), pixel(expected, 220, 180))
+        # The arrow's shaft reaches the border and is cut there.
+        shaft = pixel(capture, 298, 30)
+        self.assertGreater(shaft[0], 200, shaft)
+        self.assertLess(shaft[1], 120, shaft)
+
+    def drag(self, x1, y1, x2, y2):
+        xdotool("mousemove", str(x1), str(y1), "mousedown", "1", "mousemove",
+                str((x1 + x2) // 2), str((y1 + y2) // 2), "mousemove", str(x2), str(y2),
+                "mouseup", "1")
+        time.sleep(0.2)
 
     def test_escape_leaves_nothing_and_a_thin_selection_is_not_confirmed(self):
         self.select(250, 150, 10, 200)

@@ -121,8 +121,10 @@ class LibraryListing(unittest.TestCase):
         wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
 
     def tearDown(self):
-        self.app.stop()
-        self.home.cleanup()
+        try:
+            self.app.stop_cleanly()
+        finally:
+            self.home.cleanup()
 
     def test_own_captures_filter_and_extensions(self):
         desktop = self.home.folders["Desktop"]

@@ -103,6 +103,13 @@ class RunningApp:
         self.log.close()
         return self.process.returncode
 
+    def stop_cleanly(self):
+        """Stops the program and checks that it quit normally: exit status 0,
+        which under the sanitizers also means no leak or error report."""
+        code = self.stop()
+        if code != 0:
+            raise AssertionError(f"quillix exited with {code}:\n{self.output()[-4000:]}")
+
 
 def window_tree():
     return subprocess.run(["xwininfo", "-root", "-tree"], capture_output=True, text=True,

@@ -34,11 +34,11 @@ class Shell(unittest.TestCase):
     def tearDown(self):
         if self.holder:
             self.holder.release()
-        if self.app:
-            self.app.stop()
-            if self._outcome.result.failures or self._outcome.result.errors:
-                print(self.app.output())
-        self.home.cleanup()
+        try:
+            if self.app:
+                self.app.stop_cleanly()
+        finally:
+            self.home.cleanup()
 
     def start(self):
         self.app = RunningApp(BINARY, self.home)
