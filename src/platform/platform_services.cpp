@@ -43,7 +43,7 @@ PlatformServices::PlatformServices()
     xcb_connection_t* connection = x11Connection();
     keyboardLayout_ = makeKeyboardLayout(connection);
     if (connection != nullptr) {
-        hotkeyBackend_ = X11HotkeyBackend::create(connection, x11RootWindow(connection));
+        hotkeyBackend_ = X11HotkeyBackend::createForApplication();
         clickMonitor_ = X11ClickMonitor::create(connection, x11RootWindow(connection));
     }
 }

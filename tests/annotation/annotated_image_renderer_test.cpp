@@ -11,6 +11,8 @@
 #include <QRandomGenerator>
 #include <cmath>
 
+#include "image_statistics.h"
+
 namespace {
 
 const QColor kGrey(128, 128, 128);
@@ -67,20 +69,6 @@ QColor blended(const QColor& color, qreal alpha, const QColor& under) {
     return ::testing::AssertionFailure()
            << "pixel (" << x << ", " << y << ") is " << actual.name().toStdString() << ", expected "
            << expected.name().toStdString();
-}
-
-double lumaVariance(const QImage& image, const QRect& area) {
-    double sum = 0;
-    double sumSquares = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        for (int x = area.left(); x <= area.right(); ++x) {
-            const double v = qGray(image.pixel(x, y));
-            sum += v;
-            sumSquares += v * v;
-        }
-    }
-    const double n = static_cast<double>(area.width()) * area.height();
-    return sumSquares / n - (sum / n) * (sum / n);
 }
 
 Annotation stroke(QVector<QPointF> points, qreal width, const QColor& color, qreal opacity) {
@@ -164,10 +152,10 @@ TEST(AnnotatedImageRendererTest, BlurSmoothsOnlyInsideItsRegion) {
     const QImage out =
         renderAnnotatedImage(base, {{Annotation::Blur{QRectF(region)}}}, std::nullopt);
     const QRect inner = region.adjusted(10, 10, -10, -10);
-    EXPECT_LT(lumaVariance(out, inner), lumaVariance(base, inner) / 20);
+    EXPECT_LT(greyVariance(out, inner), greyVariance(base, inner) / 20);
     // Pixels of the region's edge are blurred too.
-    EXPECT_LT(lumaVariance(out, QRect(50, 40, 100, 2)),
-              lumaVariance(base, QRect(50, 40, 100, 2)) / 5);
+    EXPECT_LT(greyVariance(out, QRect(50, 40, 100, 2)),
+              greyVariance(base, QRect(50, 40, 100, 2)) / 5);
     for (int y = 0; y < 200; ++y) {
         for (int x = 0; x < 200; ++x) {
             if (!region.contains(x, y)) {

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "annotation/annotation_state.h"
+#include "image_statistics.h"
 
 namespace {
 
@@ -24,20 +25,6 @@ QImage noiseImage(int width, int height) {
         }
     }
     return image;
-}
-
-double greyVariance(const QImage& image, const QRect& area) {
-    double sum = 0;
-    double sumSquares = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        for (int x = area.left(); x <= area.right(); ++x) {
-            const double v = qGray(image.pixel(x, y));
-            sum += v;
-            sumSquares += v * v;
-        }
-    }
-    const double n = static_cast<double>(area.width()) * area.height();
-    return sumSquares / n - (sum / n) * (sum / n);
 }
 
 }  // namespace
