@@ -4,6 +4,8 @@
 BUILD_PACKAGES=(
     cmake g++ make pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev libqt6svg6
+    qt6-multimedia-dev libqt6multimediawidgets6
+    gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-libav
     libssl-dev nlohmann-json3-dev
     libxkbcommon-dev libxkbcommon-x11-dev
     libxcb1-dev libxcb-keysyms1-dev libxcb-xfixes0-dev libxcb-ewmh-dev libxcb-icccm4-dev

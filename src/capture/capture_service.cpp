@@ -1,13 +1,11 @@
 #include "capture/capture_service.h"
 
-#include <QClipboard>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageReader>
-#include <QMimeData>
 #include <QPointer>
 #include <QProcess>
 #include <QStandardPaths>
@@ -15,6 +13,7 @@
 
 #include "app/diagnostics.h"
 #include "capture/capture_registry.h"
+#include "capture/image_clipboard.h"
 #include "capture/screenshot_store.h"
 #include "platform/notification_attachment.h"
 #include "platform/notifier.h"
@@ -114,20 +113,11 @@ void CaptureService::captureWindow(quint32 windowId) {
 void CaptureService::finishCapture(const QString& path, const QImage& image,
                                    const QByteArray& pngData) {
     dependencies_.registry.record(path);
-    putOnClipboard(image, pngData);
+    putImageOnClipboard(image, pngData);
     dependencies_.library.refresh();
     dependencies_.sounds.play(QStringLiteral("camera-shutter"));
     postSavedNotification(path, image);
     Q_EMIT captureFinished(path);
-}
-
-void CaptureService::putOnClipboard(const QImage& image, const QByteArray& pngData) {
-    auto* mime = new QMimeData();
-    mime->setImageData(image);
-    if (!pngData.isEmpty()) {
-        mime->setData(QStringLiteral("image/png"), pngData);
-    }
-    QGuiApplication::clipboard()->setMimeData(mime, QClipboard::Clipboard);
 }
 
 void CaptureService::postSavedNotification(const QString& path, const QImage& image) {

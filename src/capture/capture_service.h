@@ -59,7 +59,6 @@ Q_SIGNALS:
     void captureFinished(const QString& path);
 
 private:
-    void putOnClipboard(const QImage& image, const QByteArray& pngData);
     void postSavedNotification(const QString& path, const QImage& image);
 
     Dependencies dependencies_;

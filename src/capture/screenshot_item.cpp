@@ -38,6 +38,11 @@ QString ScreenshotItem::fileName() const {
     return QFileInfo(path_).fileName();
 }
 
+bool ScreenshotItem::isVideoPath(const QString& path) {
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return suffix == QLatin1String("mp4") || suffix == QLatin1String("mov");
+}
+
 QString ScreenshotItem::relativeAge(const QDateTime& now) const {
     // Whole seconds, truncated toward zero.
     const qint64 seconds = date_.msecsTo(now) / 1000;

@@ -26,6 +26,11 @@ public:
     QUrl url() const { return QUrl::fromLocalFile(path_); }
     QString fileName() const;
 
+    // Whether the file is a recording: its extension, in any case, is mp4 or
+    // mov. Every other file counts as a picture.
+    bool isVideo() const { return isVideoPath(path_); }
+    static bool isVideoPath(const QString& path);
+
     // When the file was created (the distant past when unknown).
     const QDateTime& date() const { return date_; }
     // When its content last changed (the creation date when unknown).

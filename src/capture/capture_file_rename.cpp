@@ -1,0 +1,44 @@
+#include "capture/capture_file_rename.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <cerrno>
+#include <cstring>
+
+std::optional<QString> renamedCapturePath(const QString& path, const QString& typedName) {
+    const QString name = typedName.trimmed();
+    if (name.isEmpty()) {
+        return std::nullopt;
+    }
+    const QFileInfo info(path);
+    // completeSuffix would take "tar.gz"-style double extensions; the
+    // extension is only what follows the last dot.
+    const QString suffix = info.suffix();
+    const QString fileName = suffix.isEmpty() ? name : name + QLatin1Char('.') + suffix;
+    return QDir(info.absolutePath()).filePath(fileName);
+}
+
+CaptureRenameResult moveCaptureFile(const QString& from, const QString& to) {
+    const QByteArray source = QFile::encodeName(from);
+    const QByteArray destination = QFile::encodeName(to);
+    // renameat2 with RENAME_NOREPLACE refuses an existing destination in one
+    // step, so no check-then-move race can overwrite another file.
+    if (::renameat2(AT_FDCWD, source.constData(), AT_FDCWD, destination.constData(),
+                    RENAME_NOREPLACE) == 0) {
+        return {to, {}};
+    }
+    const int error = errno;
+    if (error == EINVAL || error == ENOSYS) {
+        // File systems without the flag: Qt's rename also refuses to replace.
+        QFile file(from);
+        if (file.rename(to)) {
+            return {to, {}};
+        }
+        return {{}, file.errorString()};
+    }
+    return {{}, QString::fromLocal8Bit(std::strerror(error))};
+}
