@@ -18,6 +18,7 @@
 #include "platform/click_monitor.h"
 #include "platform/notifier.h"
 #include "platform/platform_services.h"
+#include "platform/sound_player.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 #include "ui/gallery/pill_panel.h"
@@ -115,7 +116,12 @@ void AppDelegate::showPillPanel() {
     orderOutPill();
     const QRect popoverFrame = popover_->geometry();
     QScreen* screen = screenAt(popoverFrame.center());
-    pillPanel_ = std::make_unique<PillPanel>();
+    FooterPillView::Actions actions;
+    // The settings and shelves windows are not built yet: their buttons only
+    // close the popover.
+    actions.quit = [] { QApplication::quit(); };
+    pillPanel_ = std::make_unique<PillPanel>(
+        ScreenshotStore::shared(), PlatformServices::instance().soundPlayer(), std::move(actions));
     pillPanel_->setGeometry(PopoverPlacement::pillFrame(popoverFrame, screen->availableGeometry()));
     pillPanel_->showFadingIn();
 }
