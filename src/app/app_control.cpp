@@ -1,11 +1,64 @@
 #include "app/app_control.h"
 
+#include <QAbstractItemView>
+#include <QApplication>
 #include <QDBusConnection>
+#include <optional>
 
 #include "app/app_delegate.h"
 #include "capture/capture_service.h"
 #include "capture/screenshot_store.h"
 #include "storage/user_settings.h"
+
+namespace {
+
+QRect globalRect(const QWidget* widget, const QRect& local) {
+    return QRect(widget->mapToGlobal(local.topLeft()), local.size());
+}
+
+// A shown cell of an item view whose accessible text is `name`.
+std::optional<QRect> locateCell(const QAbstractItemView* view, const QString& name) {
+    const QAbstractItemModel* model = view->model();
+    if (model == nullptr) {
+        return std::nullopt;
+    }
+    for (int row = 0; row < model->rowCount(view->rootIndex()); ++row) {
+        const QModelIndex index = model->index(row, 0, view->rootIndex());
+        if (index.data(Qt::AccessibleTextRole).toString() == name) {
+            const QRect cell = view->visualRect(index).intersected(view->viewport()->rect());
+            if (!cell.isEmpty()) {
+                return globalRect(view->viewport(), cell);
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<QRect> locateControl(const QString& name) {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible()) {
+            continue;
+        }
+        QList<QWidget*> widgets = window->findChildren<QWidget*>();
+        widgets.prepend(window);
+        for (const QWidget* widget : widgets) {
+            if (!widget->isVisibleTo(window)) {
+                continue;
+            }
+            if (widget->accessibleName() == name) {
+                return globalRect(widget, widget->rect());
+            }
+            if (const auto* view = qobject_cast<const QAbstractItemView*>(widget)) {
+                if (std::optional<QRect> cell = locateCell(view, name)) {
+                    return cell;
+                }
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
 
 AppControl::AppControl(AppDelegate& delegate, QObject* parent)
     : QObject(parent), delegate_(delegate) {}
@@ -40,4 +93,16 @@ QStringList AppControl::ListedFiles() const {
 
 void AppControl::SetShowOnlyQuillixItems(bool showOnly) {
     UserSettings::shared().setShowOnlyQuillixItems(showOnly);
+}
+
+QString AppControl::LocateControl(const QString& accessibleName) const {
+    const std::optional<QRect> rect = locateControl(accessibleName);
+    if (!rect) {
+        return {};
+    }
+    return QStringLiteral("%1,%2,%3,%4")
+        .arg(rect->x())
+        .arg(rect->y())
+        .arg(rect->width())
+        .arg(rect->height());
 }

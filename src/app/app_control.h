@@ -28,6 +28,10 @@ public Q_SLOTS:
     Q_SCRIPTABLE QStringList ListedFiles() const;
     // The gallery's own-captures filter.
     Q_SCRIPTABLE void SetShowOnlyQuillixItems(bool showOnly);
+    // Where a visible control is on screen, found by its accessible name (for
+    // a grid cell: its file name), as "x,y,width,height"; empty when none is
+    // shown. Lets scripts and tests click what a screen reader would find.
+    Q_SCRIPTABLE QString LocateControl(const QString& accessibleName) const;
 
 private:
     AppDelegate& delegate_;

@@ -233,3 +233,30 @@ class NotificationMonitor:
         self.process.terminate()
         self.process.wait(timeout=10)
         self.log.close()
+
+
+def locate(name, timeout=10.0):
+    """(x, y, width, height) on screen of the program's visible control whose
+    accessible name (for a gallery cell: its file name) is `name`."""
+    def found():
+        reply = call_app("LocateControl", f"string:{name}")
+        return reply[0] if reply and reply[0] else None
+    text = wait_until(found, timeout=timeout, what=f"the control {name!r}")
+    return tuple(int(value) for value in text.split(","))
+
+
+def is_shown(name):
+    reply = call_app("LocateControl", f"string:{name}")
+    return bool(reply and reply[0])
+
+
+def centre(rect):
+    x, y, width, height = rect
+    return x + width // 2, y + height // 2
+
+
+def click_control(name, button="1"):
+    x, y = centre(locate(name))
+    xdotool("mousemove", str(x), str(y))
+    time.sleep(0.15)
+    xdotool("click", button)
