@@ -171,7 +171,10 @@ void AppDelegate::closeOutsideClick(const QPoint& globalPosition) {
     }
     const bool inPopover = popover_->frameGeometry().contains(globalPosition);
     const bool inPill = pillPanel_ && pillPanel_->frameGeometry().contains(globalPosition);
-    if (!inPopover && !inPill) {
+    // A press on the tray icon is left to the icon's own click, which toggles
+    // the popover; closing here too would let that click open it again.
+    const bool onTrayIcon = statusItem_ && statusItem_->geometry().contains(globalPosition);
+    if (!inPopover && !inPill && !onTrayIcon) {
         handleClosePopover();
     }
 }

@@ -173,7 +173,6 @@ class Gallery(unittest.TestCase):
         outline = sum(count for hexa, count in colours.items() if hexa != FILL.lower())
         self.assertGreater(outline, 200, colours)
         wait_until(lambda: "gamma.png" in call_app("ListedFiles"), what="the rescan")
-        xdotool("key", "--window", preview, "ctrl+w")
 
     def test_a_capitalised_mov_plays_in_the_preview(self):
         clip = self.path("clip.MOV")
