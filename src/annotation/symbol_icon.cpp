@@ -6,9 +6,10 @@
 #include <QSvgRenderer>
 #include <QtGlobal>
 
-// The symbol drawings live in their own resource file (symbols.qrc), compiled
-// into the core library. Nothing else references its initialiser, so the
-// linker would leave it out: register it explicitly, once. (Outside any
+// The symbol drawings live in their own resource file (symbols.qrc, generated
+// from resources/icons/symbols by the build), compiled into the core library.
+// Nothing else references its initialiser, so the linker would leave it out:
+// register it explicitly, once. (Outside any
 // namespace: the macro declares the initialiser where it is used.)
 static void ensureSymbolResources() {
     static const bool registered = [] {
