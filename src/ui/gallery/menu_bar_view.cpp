@@ -502,7 +502,8 @@ void MenuBarView::updateCountAndItemArea() {
 void MenuBarView::updateShortcut() {
     const HotkeyBinding binding = settings_.hotkeys().binding(HotkeyAction::captureArea);
     auto* replacement = new ShortcutView(binding, header_);
-    header_->layout()->replaceWidget(shortcutView_, replacement);
+    // The layout hands back the old item, which is the caller's to delete.
+    delete header_->layout()->replaceWidget(shortcutView_, replacement);
     delete shortcutView_;
     shortcutView_ = replacement;
     shortcutView_->show();
