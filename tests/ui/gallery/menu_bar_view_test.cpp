@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QDir>
+#include <QHBoxLayout>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -354,6 +355,88 @@ private Q_SLOTS:
         QCOMPARE(dot.size(), QSize(5, 5));
         QCOMPARE(dot.right(), toggle.right() + 7);
         QCOMPARE(dot.top(), toggle.top() - 7);
+    }
+
+    void chipsSwatchesAndToggleDrawTheirState() {
+        // On a white host with a blue accent, so colours can be told apart.
+        QWidget host;
+        QPalette colors = host.palette();
+        colors.setColor(QPalette::Window, Qt::white);
+        colors.setColor(QPalette::WindowText, Qt::black);
+        colors.setColor(QPalette::Highlight, QColor(0, 90, 255));
+        host.setPalette(colors);
+        host.setAutoFillBackground(true);
+        auto* row = new QHBoxLayout(&host);
+        auto* idleChip = new TextFilterChip(QStringLiteral("Today"), &host);
+        auto* selectedChip = new TextFilterChip(QStringLiteral("Week"), &host);
+        auto* iconChip =
+            new IconFilterChip(QStringLiteral("photo"), QStringLiteral("Photos"), &host);
+        auto* idleSwatch = new ColorSwatch(ColorLabel::green, &host);
+        auto* selectedSwatch = new ColorSwatch(ColorLabel::green, &host);
+        auto* toggle = new FilterToggleButton(&host);
+        for (QWidget* widget : std::initializer_list<QWidget*>{
+                 idleChip, selectedChip, iconChip, idleSwatch, selectedSwatch, toggle}) {
+            row->addWidget(widget);
+        }
+        selectedChip->setSelected(true);
+        iconChip->setSelected(true);
+        selectedSwatch->setSelected(true);
+        host.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&host));
+        QCOMPARE(iconChip->accessibleName(), QStringLiteral("Photos"));
+        QCOMPARE(selectedSwatch->accessibleName(), QStringLiteral("Green"));
+
+        const QImage picture = host.grab().toImage();
+        const auto pixelOf = [&picture](QWidget* widget, QPoint at) {
+            return picture.pixelColor(widget->mapTo(widget->window(), at));
+        };
+        const auto isBlueTint = [](const QColor& color) {
+            return color.blue() > color.red() + 12 && color.blue() > 200;
+        };
+        // Fill: none when idle, the accent at 12 % when selected.
+        const QPoint edge(idleChip->width() / 2, 2);
+        QCOMPARE(pixelOf(idleChip, edge), QColor(Qt::white));
+        QVERIFY(isBlueTint(pixelOf(selectedChip, {selectedChip->width() / 2, 2})));
+        QVERIFY(pixelOf(selectedChip, {selectedChip->width() / 2, 2}).red() > 190);
+        QVERIFY(isBlueTint(pixelOf(iconChip, {2, iconChip->height() / 2})));
+        // Text: secondary grey when idle, the accent when selected.
+        const auto darkest = [&](QWidget* widget) {
+            QColor result = Qt::white;
+            for (int y = 0; y < widget->height(); ++y) {
+                for (int x = 0; x < widget->width(); ++x) {
+                    const QColor color = pixelOf(widget, {x, y});
+                    if (color.lightness() < result.lightness()) {
+                        result = color;
+                    }
+                }
+            }
+            return result;
+        };
+        const QColor idleText = darkest(idleChip);
+        QVERIFY(qAbs(idleText.red() - idleText.blue()) < 10);
+        QVERIFY(idleText.lightness() < 200);
+        const QColor selectedText = darkest(selectedChip);
+        QVERIFY(selectedText.blue() > selectedText.red() + 80);
+
+        // The selected swatch carries a white check mark at its centre.
+        const QPoint centre = idleSwatch->rect().center();
+        const QColor green = colorLabelColor(ColorLabel::green);
+        const QColor plain = pixelOf(idleSwatch, centre);
+        QVERIFY(qAbs(plain.green() - green.green()) < 8 && qAbs(plain.red() - green.red()) < 8);
+        bool whiteMark = false;
+        for (int dx = -3; dx <= 3; ++dx) {
+            whiteMark =
+                whiteMark || pixelOf(selectedSwatch, centre + QPoint(dx, 0)).lightness() > 240;
+        }
+        QVERIFY(whiteMark);
+
+        // The toggle: clear when no filter is active, accent-tinted when one is.
+        QCOMPARE(pixelOf(toggle, {3, 13}), QColor(Qt::white));
+        toggle->setLook(false, true);
+        QVERIFY(isBlueTint(toggle->grab().toImage().pixelColor(3, 13)));
+        QCOMPARE(toggle->symbol(), QStringLiteral("line.3.horizontal.decrease"));
+        toggle->setLook(true, true);
+        QCOMPARE(toggle->symbol(), QStringLiteral("xmark"));
     }
 
     void emptyLibraryShowsNoScreenshotsYetAndNoCaption() {
