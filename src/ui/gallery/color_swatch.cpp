@@ -95,6 +95,12 @@ void ColorSwatch::paintEvent(QPaintEvent*) {
         markColor = withAlpha(ink, selected_ ? 0.7 : 0.35);
         markSize = kCrossPixelSize;
     }
+    if (hasFocus()) {
+        // Swatches take the focus from the keyboard only; show where it is.
+        painter.setPen(QPen(accent(palette()), 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(circle.adjusted(-1.5, -1.5, 1.5, 1.5));
+    }
     if (!mark.isEmpty()) {
         const QPixmap pixmap =
             symbolPixmap(mark, markColor, QSize(markSize, markSize), devicePixelRatioF() * scale_);

@@ -99,6 +99,12 @@ void FilterChip::paintBackground(QPainter& painter) const {
     painter.setPen(outline.alpha() > 0 ? QPen(outline, 1.0) : QPen(Qt::NoPen));
     painter.setBrush(fill);
     painter.drawRoundedRect(box, kCornerRadius, kCornerRadius);
+    // Chips take the focus from the keyboard only; show where it is.
+    if (hasFocus()) {
+        painter.setPen(QPen(accent(colors), 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), kCornerRadius, kCornerRadius);
+    }
 }
 
 TextFilterChip::TextFilterChip(const QString& label, QWidget* parent) : FilterChip(parent) {

@@ -55,6 +55,13 @@ void FilterToggleButton::paintEvent(QPaintEvent*) {
         painter.setBrush(fill);
         painter.drawRoundedRect(QRectF(rect()), kCornerRadius, kCornerRadius);
     }
+    if (hasFocus()) {
+        // Focus comes from the keyboard only; show where it is.
+        painter.setPen(QPen(accent(colors), 1.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), kCornerRadius,
+                                kCornerRadius);
+    }
     const QPixmap icon = symbolPixmap(symbol(), content, QSize(kSymbolPixelSize, kSymbolPixelSize),
                                       devicePixelRatioF());
     painter.drawPixmap(

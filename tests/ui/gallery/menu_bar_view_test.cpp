@@ -418,6 +418,18 @@ private Q_SLOTS:
         const QColor selectedText = darkest(selectedChip);
         QVERIFY(selectedText.blue() > selectedText.red() + 80);
 
+        // Hovering an idle chip gives it the faint primary fill.
+        QTest::mouseMove(idleChip, idleChip->rect().center());
+        QTRY_VERIFY(idleChip->isHovered());
+        const auto hoveredFill = [&] {
+            return host.grab().toImage().pixelColor(idleChip->mapTo(&host, edge));
+        };
+        // Black at 6 % over white, once the short fade is over.
+        QTRY_VERIFY(qAbs(hoveredFill().lightness() - 240) <= 3);
+        QVERIFY(qAbs(hoveredFill().red() - hoveredFill().blue()) < 4);
+        QTest::mouseMove(&host, QPoint(host.width() - 1, host.height() - 1));
+        QTRY_VERIFY(!idleChip->isHovered());
+
         // The selected swatch carries a white check mark at its centre.
         const QPoint centre = idleSwatch->rect().center();
         const QColor green = colorLabelColor(ColorLabel::green);
