@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QVariantAnimation>
+#include <functional>
 
 #include "annotation/symbol_icon.h"
 #include "ui/gallery/gallery_style.h"

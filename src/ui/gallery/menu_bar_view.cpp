@@ -13,6 +13,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QVariantAnimation>
+#include <cmath>
+#include <functional>
 
 #include "annotation/symbol_icon.h"
 #include "app/app_signals.h"
