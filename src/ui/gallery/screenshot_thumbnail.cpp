@@ -10,6 +10,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QRegularExpression>
 #include <QTimer>
 #include <QVariantAnimation>
 #include <algorithm>
@@ -76,8 +77,12 @@ void drawSoftShadow(QPainter* painter, const QRectF& cell, qreal strength) {
 QString cardDateText(const QDateTime& date) {
     const QLocale locale;
     const QDateTime local = date.toLocalTime();
+    // Some locales' short time still has seconds; the card shows minutes.
+    QString timeFormat = locale.timeFormat(QLocale::ShortFormat);
+    static const QRegularExpression seconds(QStringLiteral("[:.]ss?"));
+    timeFormat.remove(seconds);
     return locale.toString(local.date(), QStringLiteral("MMM d, yyyy")) + QLatin1Char(' ') +
-           locale.toString(local.time(), QLocale::ShortFormat);
+           locale.toString(local.time(), timeFormat);
 }
 
 }  // namespace
