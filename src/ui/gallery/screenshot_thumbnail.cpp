@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QTimer>
 #include <QVariantAnimation>
 #include <algorithm>
@@ -116,6 +117,14 @@ void ScreenshotThumbnail::attach(QAbstractItemView* view) {
     view->installEventFilter(this);
     connect(&metaStore_, &ScreenshotMetadataStore::metadataChanged, view->viewport(),
             qOverload<>(&QWidget::update), Qt::UniqueConnection);
+    // Scrolling moves other cells under a resting pointer.
+    for (QScrollBar* bar : {view->verticalScrollBar(), view->horizontalScrollBar()}) {
+        connect(bar, &QScrollBar::valueChanged, this, [this, view] {
+            if (view_ == view && view->viewport()->underMouse()) {
+                setHovered(view->indexAt(view->viewport()->mapFromGlobal(QCursor::pos())));
+            }
+        });
+    }
 }
 
 qreal ScreenshotThumbnail::hoverProgress(const QModelIndex& index) const {

@@ -524,14 +524,21 @@ private Q_SLOTS:
         writePng(library.desktop("Plain.png"));
         writeBytes(library.desktop("clip.mp4"), "not really a recording");
         library.open();
-        library.metaStore.setColorLabel(ColorLabel::green, library.item("Labelled.png")->path());
         Gallery gallery(library);
-        const QImage shot = gallery.grab();
-
         const QRect labelled = gallery.rectOf("Labelled.png");
         const QRect plain = gallery.rectOf("Plain.png");
         QCOMPARE(labelled.size(), kCell);
+        const QPoint topEdge(labelled.center().x(), labelled.top());
+        QVERIFY(near(gallery.grab().pixel(topEdge), Qt::white, 12));
+
+        // Labelled while shown, through the cell's own menu: the grid redraws.
+        const std::unique_ptr<QMenu> menu(
+            gallery.cell.actions().buildMenu(*library.item("Labelled.png")));
+        entry(*menu->actions().first()->menu(), "Green")->trigger();
         const QColor framed = blend(colorLabelColor(ColorLabel::green), 0.7, Qt::white);
+        QVERIFY(QTest::qWaitFor([&] { return near(gallery.grab().pixel(topEdge), framed, 40); },
+                                kWaitMs));
+        const QImage shot = gallery.grab();
         for (const QPoint& edge : {QPoint(labelled.center().x(), labelled.top()),
                                    QPoint(labelled.left(), labelled.center().y()),
                                    QPoint(labelled.right(), labelled.center().y()),
