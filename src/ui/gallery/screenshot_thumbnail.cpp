@@ -51,11 +51,13 @@ QFont fontOfPixelSize(const QFont& base, int pixelSize, QFont::Weight weight) {
 QRectF fillSourceRect(const QSize& image, const QSizeF& target) {
     const qreal imageAspect = qreal(image.width()) / image.height();
     const qreal targetAspect = target.width() / target.height();
+    // At least one whole source pixel each way: a thinner source rectangle
+    // of a sliver-shaped picture would draw nothing at all.
     if (imageAspect > targetAspect) {
-        const qreal width = image.height() * targetAspect;
+        const qreal width = std::max<qreal>(1, image.height() * targetAspect);
         return {(image.width() - width) / 2, 0, width, qreal(image.height())};
     }
-    const qreal height = image.width() / targetAspect;
+    const qreal height = std::max<qreal>(1, image.width() / targetAspect);
     return {0, (image.height() - height) / 2, qreal(image.width()), height};
 }
 

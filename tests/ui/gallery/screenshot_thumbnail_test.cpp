@@ -14,6 +14,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QStandardItemModel>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
@@ -616,6 +617,42 @@ private Q_SLOTS:
         QTest::mouseMove(viewport, QPoint(viewport->width() - 2, viewport->height() - 2));
         QVERIFY(QTest::qWaitFor([&] { return !gallery.cell.hoveredIndex().isValid(); }, kWaitMs));
         QVERIFY(viewport->cursor().shape() != Qt::PointingHandCursor);
+    }
+
+    void oddRowsAndSizesDrawSafely() {
+        Library library;
+        ScreenshotThumbnail cell(library.metaStore);
+        QStandardItemModel model;
+        model.appendRow(new QStandardItem("no capture here"));
+        QImage sliverPicture(1, 500, QImage::Format_RGB32);
+        sliverPicture.fill(Qt::red);
+        const ScreenshotItem sliver(library.desktop("sliver.png"), QDateTime::currentDateTimeUtc(),
+                                    QDateTime::currentDateTimeUtc(), sliverPicture);
+        auto* withItem = new QStandardItem();
+        withItem->setData(QVariant::fromValue(sliver), ScreenshotListModel::ItemRole);
+        model.appendRow(withItem);
+        library.metaStore.setEvent(ScreenshotEvent{QString(300, QLatin1Char('x')), ""},
+                                   sliver.path());
+
+        QImage canvas(200, 200, QImage::Format_ARGB32_Premultiplied);
+        canvas.fill(Qt::transparent);
+        QPainter painter(&canvas);
+        QStyleOptionViewItem option;
+        option.rect = QRect(10, 10, 160, 100);
+        // A row without a capture draws nothing.
+        cell.paint(&painter, option, model.index(0, 0));
+        painter.end();
+        QCOMPARE(canvas.pixel(90, 60), qRgba(0, 0, 0, 0));
+
+        painter.begin(&canvas);
+        for (const QRect& rect : {QRect(0, 0, 0, 0), QRect(5, 5, 1, 1), QRect(0, 0, 3, 200),
+                                  QRect(0, 0, 200, 3), QRect(10, 10, 160, 100)}) {
+            option.rect = rect;
+            cell.paint(&painter, option, model.index(1, 0));
+        }
+        painter.end();
+        // A sliver-shaped picture still fills the cell.
+        QCOMPARE(canvas.pixel(90, 60), qRgb(255, 0, 0));
     }
 
     void clickSelectsTheCellAndRightClickOpensItsMenu() {
