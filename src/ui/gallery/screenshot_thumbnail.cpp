@@ -403,9 +403,12 @@ void ScreenshotThumbnail::openMenu(const QModelIndex& index, const QPoint& globa
     if (!data.canConvert<ScreenshotItem>()) {
         return;
     }
-    const std::unique_ptr<QMenu> menu(
-        actions_->buildMenu(data.value<ScreenshotItem>(), view_ ? view_->viewport() : nullptr));
+    // Parented to the viewport for its look; should the grid go away while
+    // the menu (or a prompt it opened) runs, the menu goes with it.
+    const QPointer<QMenu> menu =
+        actions_->buildMenu(data.value<ScreenshotItem>(), view_ ? view_->viewport() : nullptr);
     menu->exec(globalPos);
+    delete menu.data();
 }
 
 bool ScreenshotThumbnail::eventFilter(QObject* watched, QEvent* event) {
