@@ -675,29 +675,36 @@ private Q_SLOTS:
         QVERIFY(selected.count() == 1 || selected.wait(kWaitMs));
         QCOMPARE(selected.first().first().value<ScreenshotItem>().fileName(), QString("Shot.png"));
 
-        // Right-clicking the cell opens its menu; the menu names the file.
-        QStringList shownEntries;
-        QString menuName;
-        auto* poll = new QTimer(this);
-        poll->setInterval(10);
-        connect(poll, &QTimer::timeout, poll, [&, poll] {
-            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-            if (!menu || !menu->isVisible()) {
-                return;
-            }
-            poll->stop();
-            poll->deleteLater();
-            shownEntries = entries(*menu);
-            menuName = menu->accessibleName();
-            menu->close();
-        });
-        poll->start();
-        QContextMenuEvent rightClick(QContextMenuEvent::Mouse, rect.center(),
-                                     viewport->mapToGlobal(rect.center()));
-        QVERIFY(QCoreApplication::sendEvent(viewport, &rightClick));
-        QCOMPARE(menuName, QString("Shot.png"));
-        QCOMPARE(shownEntries.first(), QString("Color Label"));
-        QCOMPARE(shownEntries.last(), QString("Move to Trash"));
+        // Right-clicking the cell opens its menu (the menu names the file);
+        // so does the menu key on the current cell.
+        auto menuShownFor = [&](QWidget* receiver, QContextMenuEvent::Reason reason,
+                                const QPoint& position) {
+            QStringList shownEntries;
+            QString menuName;
+            auto* poll = new QTimer(this);
+            poll->setInterval(10);
+            connect(poll, &QTimer::timeout, poll, [&, poll] {
+                auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+                if (!menu || !menu->isVisible()) {
+                    return;
+                }
+                poll->stop();
+                poll->deleteLater();
+                shownEntries = entries(*menu);
+                menuName = menu->accessibleName();
+                menu->close();
+            });
+            poll->start();
+            QContextMenuEvent request(reason, position, receiver->mapToGlobal(position));
+            QCoreApplication::sendEvent(receiver, &request);
+            return shownEntries.isEmpty()
+                       ? QString()
+                       : menuName + ": " + shownEntries.first() + " … " + shownEntries.last();
+        };
+        const QString expected("Shot.png: Color Label … Move to Trash");
+        QCOMPARE(menuShownFor(viewport, QContextMenuEvent::Mouse, rect.center()), expected);
+        gallery.view.setCurrentIndex(gallery.indexOf("Shot.png"));
+        QCOMPARE(menuShownFor(&gallery.view, QContextMenuEvent::Keyboard, QPoint(1, 1)), expected);
     }
 };
 
