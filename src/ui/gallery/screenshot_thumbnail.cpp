@@ -106,11 +106,11 @@ void ScreenshotThumbnail::setLibrary(ScreenshotStore* library) {
 }
 
 void ScreenshotThumbnail::attach(QAbstractItemView* view) {
-    if (view_) {
-        view_->viewport()->removeEventFilter(this);
-        view_->removeEventFilter(this);
+    if (QAbstractItemView* previous = liveView()) {
+        previous->viewport()->removeEventFilter(this);
+        previous->removeEventFilter(this);
     }
-    view_ = view;
+    viewWidget_ = view;
     view->setItemDelegate(this);
     view->setMouseTracking(true);
     view->viewport()->setMouseTracking(true);
@@ -122,11 +122,17 @@ void ScreenshotThumbnail::attach(QAbstractItemView* view) {
     // Scrolling moves other cells under a resting pointer.
     for (QScrollBar* bar : {view->verticalScrollBar(), view->horizontalScrollBar()}) {
         connect(bar, &QScrollBar::valueChanged, this, [this, view] {
-            if (view_ == view && view->viewport()->underMouse()) {
+            if (liveView() == view && view->viewport()->underMouse()) {
                 setHovered(view->indexAt(view->viewport()->mapFromGlobal(QCursor::pos())));
             }
         });
     }
+}
+
+QAbstractItemView* ScreenshotThumbnail::liveView() const {
+    // qobject_cast asks the object itself: once its item-view destructor has
+    // run, the widget no longer counts as one.
+    return qobject_cast<QAbstractItemView*>(viewWidget_.data());
 }
 
 qreal ScreenshotThumbnail::hoverProgress(const QModelIndex& index) const {
@@ -152,11 +158,11 @@ void ScreenshotThumbnail::setHovered(const QModelIndex& index) {
     if (index.isValid()) {
         animateHover(index, 1);
     }
-    if (view_) {
+    if (QAbstractItemView* view = liveView()) {
         if (index.isValid()) {
-            view_->viewport()->setCursor(Qt::PointingHandCursor);
+            view->viewport()->setCursor(Qt::PointingHandCursor);
         } else {
-            view_->viewport()->unsetCursor();
+            view->viewport()->unsetCursor();
         }
     }
 }
@@ -221,11 +227,12 @@ void ScreenshotThumbnail::removeHoverState(HoverState* state) {
 }
 
 void ScreenshotThumbnail::updateCell(const QModelIndex& index) const {
-    if (!view_ || !index.isValid()) {
+    QAbstractItemView* view = liveView();
+    if (!view || !index.isValid()) {
         return;
     }
-    view_->viewport()->update(view_->visualRect(index).adjusted(-kHoverMargin, -kHoverMargin,
-                                                                kHoverMargin, kHoverMargin));
+    view->viewport()->update(
+        view->visualRect(index).adjusted(-kHoverMargin, -kHoverMargin, kHoverMargin, kHoverMargin));
 }
 
 QPixmap ScreenshotThumbnail::symbol(const QString& name, const QColor& tint, int side,
@@ -405,23 +412,25 @@ void ScreenshotThumbnail::openMenu(const QModelIndex& index, const QPoint& globa
     }
     // Parented to the viewport for its look; should the grid go away while
     // the menu (or a prompt it opened) runs, the menu goes with it.
-    const QPointer<QMenu> menu =
-        actions_->buildMenu(data.value<ScreenshotItem>(), view_ ? view_->viewport() : nullptr);
+    const QPointer<QMenu> menu = actions_->buildMenu(data.value<ScreenshotItem>(),
+                                                     liveView() ? liveView()->viewport() : nullptr);
     menu->exec(globalPos);
     delete menu.data();
 }
 
 bool ScreenshotThumbnail::eventFilter(QObject* watched, QEvent* event) {
-    if (!view_) {
+    // A view in the middle of being destroyed is no item view any more.
+    QAbstractItemView* view = liveView();
+    if (!view) {
         return false;
     }
-    QWidget* viewport = view_->viewport();
-    if (watched == view_ && event->type() == QEvent::ContextMenu) {
+    QWidget* viewport = view->viewport();
+    if (watched == view && event->type() == QEvent::ContextMenu) {
         // From the keyboard: the menu of the current cell, at its centre.
-        const QModelIndex current = view_->currentIndex();
+        const QModelIndex current = view->currentIndex();
         if (current.isValid() &&
             static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard) {
-            openMenu(current, viewport->mapToGlobal(view_->visualRect(current).center()));
+            openMenu(current, viewport->mapToGlobal(view->visualRect(current).center()));
             return true;
         }
         return false;
@@ -431,7 +440,7 @@ bool ScreenshotThumbnail::eventFilter(QObject* watched, QEvent* event) {
     }
     switch (event->type()) {
         case QEvent::Enter:
-            setHovered(view_->indexAt(static_cast<QEnterEvent*>(event)->position().toPoint()));
+            setHovered(view->indexAt(static_cast<QEnterEvent*>(event)->position().toPoint()));
             break;
         case QEvent::Leave:
             setHovered({});
@@ -439,7 +448,7 @@ bool ScreenshotThumbnail::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseMove: {
             const auto* mouse = static_cast<QMouseEvent*>(event);
             const QPoint position = mouse->position().toPoint();
-            setHovered(view_->indexAt(position));
+            setHovered(view->indexAt(position));
             if (pressedIndex_.isValid() && (position - pressPosition_).manhattanLength() >=
                                                QApplication::startDragDistance()) {
                 // This press became a drag (the view drags the file out).
@@ -452,7 +461,7 @@ bool ScreenshotThumbnail::eventFilter(QObject* watched, QEvent* event) {
             pressedIndex_ = QPersistentModelIndex();
             if (mouse->button() == Qt::LeftButton) {
                 pressPosition_ = mouse->position().toPoint();
-                pressedIndex_ = view_->indexAt(pressPosition_);
+                pressedIndex_ = view->indexAt(pressPosition_);
             }
             break;
         }
@@ -461,7 +470,7 @@ bool ScreenshotThumbnail::eventFilter(QObject* watched, QEvent* event) {
             const QPersistentModelIndex pressed = pressedIndex_;
             pressedIndex_ = QPersistentModelIndex();
             if (mouse->button() == Qt::LeftButton && pressed.isValid() &&
-                view_->indexAt(mouse->position().toPoint()) == pressed) {
+                view->indexAt(mouse->position().toPoint()) == pressed) {
                 const QVariant data = pressed.data(ScreenshotListModel::ItemRole);
                 if (data.canConvert<ScreenshotItem>()) {
                     // Reported from the event loop, after the view has seen
@@ -475,7 +484,7 @@ bool ScreenshotThumbnail::eventFilter(QObject* watched, QEvent* event) {
         }
         case QEvent::ContextMenu: {
             const auto* menuEvent = static_cast<QContextMenuEvent*>(event);
-            const QModelIndex index = view_->indexAt(menuEvent->pos());
+            const QModelIndex index = view->indexAt(menuEvent->pos());
             if (index.isValid()) {
                 openMenu(index, menuEvent->globalPos());
                 return true;

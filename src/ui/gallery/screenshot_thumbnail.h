@@ -73,6 +73,7 @@ private:
         QVariantAnimation* animation = nullptr;
     };
 
+    QAbstractItemView* liveView() const;
     void setHovered(const QModelIndex& index);
     void animateHover(const QModelIndex& index, qreal target);
     void removeHoverState(HoverState* state);
@@ -82,7 +83,8 @@ private:
     ScreenshotMetadataStore& metaStore_;
     ThumbnailActions* actions_ = nullptr;
     QSize cellSize_{92, 58};
-    QPointer<QAbstractItemView> view_;
+    // Held as a widget: the view is only used while it still is an item view.
+    QPointer<QWidget> viewWidget_;
     QPersistentModelIndex hovered_;
     std::vector<std::unique_ptr<HoverState>> hoverStates_;
     // The left press that may become a click; cleared once it turns into a drag.
