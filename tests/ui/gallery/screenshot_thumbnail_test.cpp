@@ -177,8 +177,13 @@ struct Library {
     ScreenshotStore& open() {
         store = std::make_unique<ScreenshotStore>(desktop(), path("Pictures/Screenshots"), registry,
                                                   settings, defaults);
-        [&] { QVERIFY(store->waitForIdle()); }();
+        [&] { QVERIFY(waitUntilIdle()); }();
         return *store;
+    }
+
+    // Polls rather than sleeping until the store reports idle.
+    bool waitUntilIdle() {
+        return QTest::qWaitFor([&] { return store->isIdle(); }, 30000);
     }
 
     std::optional<ScreenshotItem> item(const QString& name) const {
@@ -285,7 +290,7 @@ private Q_SLOTS:
         // "Move to Trash" takes the capture out of the library and its file
         // into the trash.
         entry(*videoMenu, "Move to Trash")->trigger();
-        QVERIFY(library.store->waitForIdle());
+        QVERIFY(library.waitUntilIdle());
         QCOMPARE(library.names(), QStringList({"Shot.png"}));
         QVERIFY(!QFile::exists(clip->path()));
         QVERIFY(QFile::exists(library.path("data/Trash/files/clip.mp4")));
