@@ -1,12 +1,22 @@
 #pragma once
 
+#include <QHash>
+#include <QPersistentModelIndex>
+#include <QPixmap>
+#include <QPoint>
+#include <QPointer>
 #include <QSize>
 #include <QStyledItemDelegate>
+#include <memory>
+#include <vector>
 
 #include "capture/screenshot_item.h"
 
 class QAbstractItemView;
+class QVariantAnimation;
 class ScreenshotMetadataStore;
+class ScreenshotStore;
+class ThumbnailActions;
 
 // One cell of the gallery grid, drawn by this item delegate over rows of a
 // ScreenshotListModel (or a proxy of it): the thumbnail with its badges, the
@@ -20,6 +30,7 @@ class ScreenshotThumbnail : public QStyledItemDelegate {
 
 public:
     explicit ScreenshotThumbnail(ScreenshotMetadataStore& metaStore, QObject* parent = nullptr);
+    ~ScreenshotThumbnail() override;
 
     // Becomes the view's item delegate and starts following its viewport.
     void attach(QAbstractItemView* view);
@@ -32,11 +43,52 @@ public:
                const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
+    // The context menu's actions (colour, event, copy, rename, trash); its
+    // library is the shared one unless set there.
+    ThumbnailActions& actions() const { return *actions_; }
+    // Shorthand for actions().setLibrary(library).
+    void setLibrary(ScreenshotStore* library);
+
+    // The cell under the pointer (invalid when none), and how far a cell's
+    // hover effect has come: 0 at rest, 1 fully hovered, in between while
+    // it animates.
+    QModelIndex hoveredIndex() const { return hovered_; }
+    qreal hoverProgress(const QModelIndex& index) const;
+
+    // Shows the context menu of the cell at `index` at `globalPos` and runs
+    // the chosen entry.
+    void openMenu(const QModelIndex& index, const QPoint& globalPos);
+
 Q_SIGNALS:
     // The user clicked the cell of this item.
     void selected(const ScreenshotItem& item);
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    struct HoverState {
+        QPersistentModelIndex index;
+        qreal progress = 0;
+        QVariantAnimation* animation = nullptr;
+    };
+
+    QAbstractItemView* liveView() const;
+    void setHovered(const QModelIndex& index);
+    void animateHover(const QModelIndex& index, qreal target);
+    void removeHoverState(HoverState* state);
+    void updateCell(const QModelIndex& index) const;
+    QPixmap symbol(const QString& name, const QColor& tint, int side, qreal ratio) const;
+
     ScreenshotMetadataStore& metaStore_;
+    ThumbnailActions* actions_ = nullptr;
     QSize cellSize_{92, 58};
+    // Held as a widget: the view is only used while it still is an item view.
+    QPointer<QWidget> viewWidget_;
+    QPersistentModelIndex hovered_;
+    std::vector<std::unique_ptr<HoverState>> hoverStates_;
+    // The left press that may become a click; cleared once it turns into a drag.
+    QPersistentModelIndex pressedIndex_;
+    QPoint pressPosition_;
+    mutable QHash<QString, QPixmap> symbolCache_;
 };
