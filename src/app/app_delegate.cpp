@@ -21,6 +21,7 @@
 #include "platform/sound_player.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
+#include "ui/gallery/menu_bar_view.h"
 #include "ui/gallery/pill_panel.h"
 
 namespace {
@@ -28,6 +29,8 @@ namespace {
 // Panels get time to leave the screen before a capture grabs it.
 constexpr int kPanelsLeaveDelayMs = 400;
 constexpr int kCaptureStartDelayMs = 150;
+// The popover closes before a capture's preview opens.
+constexpr int kPreviewOpenDelayMs = 150;
 
 QScreen* screenAt(const QPoint& point) {
     QScreen* screen = QGuiApplication::screenAt(point);
@@ -71,6 +74,11 @@ void AppDelegate::buildStatusItem() {
 
 void AppDelegate::buildPopover() {
     popover_ = std::make_unique<PopoverWindow>();
+    // The gallery is made once and kept, so its filters survive closing and
+    // reopening the popover.
+    auto* gallery = new MenuBarView();
+    popover_->setContent(gallery);
+    connect(gallery, &MenuBarView::itemSelected, this, &AppDelegate::openSelectedCapture);
     connect(popover_.get(), &PopoverWindow::closed, this, &AppDelegate::popoverDidClose);
 
     AppSignals& hub = AppSignals::instance();
@@ -223,11 +231,19 @@ void AppDelegate::setUpNotifications() {
             &AppDelegate::openNotifiedCapture);
 }
 
+void AppDelegate::openSelectedCapture(const ScreenshotItem& item) {
+    handleClosePopover();
+    QTimer::singleShot(kPreviewOpenDelayMs, this, [item] { openPreview(item); });
+}
+
+void AppDelegate::openPreview(const ScreenshotItem& item) {
+    printDiagnostic(QStringLiteral("Quillix: opening the preview of ") + item.fileName());
+}
+
 void AppDelegate::openNotifiedCapture(const QString& fileName) {
     for (const ScreenshotItem& item : ScreenshotStore::shared().screenshots()) {
         if (item.fileName() == fileName) {
-            printDiagnostic(QStringLiteral("Quillix: the preview window for ") + fileName +
-                            QStringLiteral(" comes in a later version"));
+            QTimer::singleShot(0, this, [item] { openPreview(item); });
             return;
         }
     }

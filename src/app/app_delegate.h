@@ -5,6 +5,7 @@
 #include <memory>
 
 class HotKeyManager;
+class ScreenshotItem;
 class PillPanel;
 class PopoverWindow;
 class QSystemTrayIcon;
@@ -44,6 +45,8 @@ private:
     void setUpHotkeys();
     void setUpNotifications();
     void openNotifiedCapture(const QString& fileName);
+    void openSelectedCapture(const ScreenshotItem& item);
+    static void openPreview(const ScreenshotItem& item);
 
     // Hotkey actions.
     void showHUD();
