@@ -184,8 +184,10 @@ QString PreviewSidebar::fileSizeText(qint64 bytes) {
         const qint64 kilobytes = std::max<qint64>(1, (bytes + 500) / 1000);
         return locale.toString(kilobytes) + QStringLiteral(" KB");
     }
-    const double megabytes = static_cast<double>(bytes) / 1'000'000.0;
-    return locale.toString(megabytes, 'f', 1) + QStringLiteral(" MB");
+    // One decimal, without a padding zero ("25 MB", "1.2 MB").
+    const double megabytes = std::round(static_cast<double>(bytes) / 100'000.0) / 10.0;
+    const bool whole = std::fmod(megabytes, 1.0) == 0.0;
+    return locale.toString(megabytes, 'f', whole ? 0 : 1) + QStringLiteral(" MB");
 }
 
 ScreenshotMetadata PreviewSidebar::metadata() const {
