@@ -81,7 +81,7 @@ public:
         setCursor(Qt::PointingHandCursor);
         setFocusPolicy(Qt::NoFocus);
         const int side =
-            static_cast<int>(std::ceil(PreviewSidebar::kSwatchDiameter * kSwatchHoverScale)) + 2;
+            static_cast<int>(std::ceil(PreviewSidebar::kSwatchDiameter * kSwatchHoverScale));
         setFixedSize(side, side);
         scaleAnimation_ = new QVariantAnimation(this);
         scaleAnimation_->setDuration(120);
@@ -124,11 +124,15 @@ protected:
             painter.setBrush(colorLabelColor(*label_));
             painter.drawEllipse(circle);
             if (current_) {
-                const QSize tick(9, 9);
-                const QPixmap mark =
-                    symbolPixmap(QStringLiteral("checkmark"), Qt::white, tick, devicePixelRatioF());
-                painter.drawPixmap(QPointF(width() - tick.width(), height() - tick.height()) / 2,
-                                   mark);
+                // A bold white tick, 9 across.
+                const QPointF c = circle.center();
+                QPainterPath tick;
+                tick.moveTo(c + QPointF(-4.0, 0.2));
+                tick.lineTo(c + QPointF(-1.2, 3.0));
+                tick.lineTo(c + QPointF(4.0, -2.8));
+                painter.setPen(QPen(Qt::white, 2.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+                painter.setBrush(Qt::NoBrush);
+                painter.drawPath(tick);
             }
         } else {
             const qreal line = 1.5;

@@ -116,13 +116,6 @@ public:
         relayout();
     }
 
-    void setContentOpacity(qreal opacity) {
-        if (!qFuzzyCompare(opacity_, opacity)) {
-            opacity_ = opacity;
-            update();
-        }
-    }
-
 protected:
     void resizeEvent(QResizeEvent* event) override {
         QWidget::resizeEvent(event);
@@ -144,7 +137,6 @@ protected:
             scaled_.setDevicePixelRatio(ratio);
         }
         QPainter painter(this);
-        painter.setOpacity(opacity_);
         painter.drawPixmap(displayRect_.topLeft(), scaled_);
     }
 
@@ -167,7 +159,6 @@ private:
     QImage image_;
     QPixmap scaled_;
     QRectF displayRect_;
-    qreal opacity_ = 1.0;
 };
 
 ScreenshotPreviewView::ScreenshotPreviewView(const ScreenshotItem& item,
@@ -332,8 +323,20 @@ void ScreenshotPreviewView::placeContent() {
 void ScreenshotPreviewView::setEntrance(qreal progress) {
     entrance_ = progress;
     placeContent();
-    if (imageArea_) {
-        imageArea_->setContentOpacity(progress);
+    // A player draws into a window of its own, which no effect can fade;
+    // there the window's own fade does it.
+    if (videoPlayer_) {
+        return;
+    }
+    if (progress < 1.0) {
+        auto* effect = qobject_cast<QGraphicsOpacityEffect*>(content_->graphicsEffect());
+        if (!effect) {
+            effect = new QGraphicsOpacityEffect(content_);
+            content_->setGraphicsEffect(effect);
+        }
+        effect->setOpacity(progress);
+    } else {
+        content_->setGraphicsEffect(nullptr);  // deletes it
     }
 }
 
