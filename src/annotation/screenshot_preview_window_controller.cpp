@@ -1,9 +1,11 @@
 #include "annotation/screenshot_preview_window_controller.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QPointer>
 #include <QPropertyAnimation>
 #include <QScreen>
 #include <QTimer>
@@ -59,6 +61,11 @@ QWidget* ScreenshotPreviewWindowController::open(const ScreenshotItem& item,
         const QPoint centre = screen->geometry().center();
         window->move(centre.x() - kWidth / 2, centre.y() - kHeight / 2);
     }
+    // A window still open when the program quits goes with it, so nothing
+    // outlives the application object.
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, qApp,
+                     [guard = QPointer<QWidget>(window)] { delete guard.data(); });
+
     window->setWindowOpacity(0.0);
     window->show();
     window->raise();
