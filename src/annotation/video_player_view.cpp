@@ -69,8 +69,17 @@ VideoPlayerView::VideoPlayerView(const QUrl& url, QWidget* parent) : QWidget(par
             [this](int position) { player_->setPosition(position); });
 
     showPlaybackState();
+    // play() right after setSource() races the GStreamer backend of Qt 6.4,
+    // which then links the video branch late and now and then never renders
+    // a frame; starting once the media has loaded (prerolled) avoids that.
+    connect(player_, &QMediaPlayer::mediaStatusChanged, this,
+            [this](QMediaPlayer::MediaStatus status) {
+                if (status == QMediaPlayer::LoadedMedia && !started_) {
+                    started_ = true;
+                    player_->play();
+                }
+            });
     player_->setSource(url_);
-    player_->play();
 }
 
 VideoPlayerView::~VideoPlayerView() {

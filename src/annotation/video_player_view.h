@@ -38,4 +38,5 @@ private:
     QToolButton* playPause_ = nullptr;
     QSlider* slider_ = nullptr;
     bool scrubbing_ = false;
+    bool started_ = false;
 };

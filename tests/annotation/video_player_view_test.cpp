@@ -49,8 +49,13 @@ private Q_SLOTS:
             qPrintable(media->errorString()), 15000);
         QVERIFY2(media->error() == QMediaPlayer::NoError, qPrintable(media->errorString()));
         QVERIFY(media->duration() >= 900);
-        QTRY_VERIFY_WITH_TIMEOUT(
-            media->position() > 0 || media->mediaStatus() == QMediaPlayer::EndOfMedia, 15000);
+        QTRY_VERIFY2_WITH_TIMEOUT(
+            media->position() > 0 || media->mediaStatus() == QMediaPlayer::EndOfMedia,
+            qPrintable(QStringLiteral("state %1, status %2, error \"%3\"")
+                           .arg(media->playbackState())
+                           .arg(media->mediaStatus())
+                           .arg(media->errorString())),
+            15000);
         QCOMPARE(player.positionSlider()->maximum(), static_cast<int>(media->duration()));
         QCOMPARE(player.positionSlider()->accessibleName(), QStringLiteral("Playback position"));
 
