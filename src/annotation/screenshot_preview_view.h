@@ -1,0 +1,95 @@
+#pragma once
+
+#include <QImage>
+#include <QPointer>
+#include <QRectF>
+#include <QWidget>
+#include <functional>
+#include <optional>
+
+#include "annotation/annotation_state.h"
+#include "capture/screenshot_item.h"
+
+class AnnotationCanvasView;
+class AnnotationSidebar;
+class PreviewImageArea;
+class PreviewSidebar;
+class QVariantAnimation;
+class ScreenshotMetadataStore;
+class VideoPlayerView;
+
+// The content of the preview window, one row: the annotation palette, the
+// picture with its annotation canvas (or the player for a recording), a thin
+// divider and the information panel. The picture is read off the GUI thread
+// when the view first appears. Ctrl+S (or Super+S) flattens the annotations
+// into the picture and writes it over the file as PNG; Ctrl+Z (or Super+Z)
+// takes back the newest shape; both only while the view is on screen.
+class ScreenshotPreviewView : public QWidget {
+    Q_OBJECT
+
+public:
+    ScreenshotPreviewView(const ScreenshotItem& item, ScreenshotMetadataStore& metaStore,
+                          std::function<void()> refreshLibrary, QWidget* parent = nullptr);
+    ~ScreenshotPreviewView() override;
+
+    // The file shown (its path follows a rename made in the panel).
+    const ScreenshotItem& item() const { return item_; }
+    AnnotationState& annotationState() { return annotationState_; }
+    // The picture read from the file; nothing for a recording, before the
+    // read has finished, or when the file cannot be read.
+    const std::optional<QImage>& loadedImage() const { return loadedImage_; }
+    // Where the picture is drawn inside the image area (empty without one).
+    QRectF imageDisplayRect() const;
+    bool hasFinishedLoading() const { return loadFinished_; }
+
+    AnnotationSidebar* annotationSidebar() const { return annotationSidebar_; }
+    PreviewSidebar* previewSidebar() const { return previewSidebar_; }
+    // The image area and its canvas; null for a recording.
+    QWidget* imageArea() const;
+    AnnotationCanvasView* canvas() const;
+    // The player; null for a picture.
+    VideoPlayerView* videoPlayer() const { return videoPlayer_; }
+
+    // Flattens the annotations into the picture and writes it over the file
+    // as PNG, on a worker thread. Does nothing for a recording, without a
+    // picture, or while the picture is shown 1 point wide or high or less.
+    void save();
+
+Q_SIGNALS:
+    // The read of the picture has finished (successfully or not).
+    void imageLoadFinished();
+    // A save has written the file and taken its result in.
+    void saved();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void appear();
+    void loadImage();
+    void takeLoadedImage(const QImage& image);
+    void takeSavedImage(const QImage& image);
+    void placeContent();
+    void setEntrance(qreal progress);
+
+    ScreenshotItem item_;
+    ScreenshotMetadataStore& metaStore_;
+    std::function<void()> refreshLibrary_;
+    AnnotationState annotationState_;
+    std::optional<QImage> loadedImage_;
+    bool appeared_ = false;
+    bool keyMonitorInstalled_ = false;
+    bool loadFinished_ = false;
+    bool saving_ = false;
+    qreal entrance_ = 0.0;
+
+    QWidget* content_ = nullptr;
+    AnnotationSidebar* annotationSidebar_ = nullptr;
+    PreviewImageArea* imageArea_ = nullptr;
+    VideoPlayerView* videoPlayer_ = nullptr;
+    PreviewSidebar* previewSidebar_ = nullptr;
+    QVariantAnimation* entranceAnimation_ = nullptr;
+};
