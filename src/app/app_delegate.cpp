@@ -8,6 +8,7 @@
 #include <QTimer>
 
 #include "annotation/annotation_overlay_controller.h"
+#include "annotation/screenshot_preview_window_controller.h"
 #include "app/app_signals.h"
 #include "app/bar_icon.h"
 #include "app/diagnostics.h"
@@ -65,7 +66,9 @@ void AppDelegate::buildStatusItem() {
     statusItem_->setToolTip(QStringLiteral("Quillix"));
     connect(statusItem_.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger) {
+                // Two quick clicks report the second as a double click: it
+                // still toggles, so open-then-close works at any speed.
+                if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
                     togglePopover();
                 }
             });
@@ -127,7 +130,8 @@ void AppDelegate::showPillPanel() {
     FooterPillView::Actions actions;
     // The settings and shelves windows are not built yet: their buttons only
     // close the popover.
-    actions.quit = [] { QApplication::quit(); };
+    // exit(), not quit(): no window may veto quitting from the pill.
+    actions.quit = [] { QCoreApplication::exit(0); };
     pillPanel_ = std::make_unique<PillPanel>(
         ScreenshotStore::shared(), PlatformServices::instance().soundPlayer(), std::move(actions));
     pillPanel_->setGeometry(PopoverPlacement::pillFrame(popoverFrame, screen->availableGeometry()));
@@ -237,7 +241,7 @@ void AppDelegate::openSelectedCapture(const ScreenshotItem& item) {
 }
 
 void AppDelegate::openPreview(const ScreenshotItem& item) {
-    printDiagnostic(QStringLiteral("Quillix: opening the preview of ") + item.fileName());
+    ScreenshotPreviewWindowController::show(item);
 }
 
 void AppDelegate::openNotifiedCapture(const QString& fileName) {

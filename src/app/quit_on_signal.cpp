@@ -28,7 +28,9 @@ void quitOnTerminationSignals() {
         notifier->setEnabled(false);
         char byte = 0;
         [[maybe_unused]] const ssize_t read = ::read(signalSockets[1], &byte, 1);
-        QCoreApplication::quit();
+        // exit(), not quit(): quit() lets a window that animates its closing
+        // (the preview fades out) veto the whole quit.
+        QCoreApplication::exit(0);
     });
     struct sigaction action {};
     action.sa_handler = onSignal;

@@ -11,7 +11,7 @@ import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
 from quillix_session import (FreshHome, NotificationMonitor, RunningApp, call_app,  # noqa: E402
-                             differing_pixels, try_open_file, wait_until)
+                             differing_pixels, try_open_file, viewable_windows, wait_until)
 
 BINARY = None
 FILE_NAME = re.compile(r"^Screenshot_\d{4}-\d\d-\d\dT\d\d-\d\d-\d\dZ\.png$")
@@ -97,8 +97,8 @@ class WindowCapture(unittest.TestCase):
 
         # A click on the notification finds the capture by its file name.
         subprocess.run(["dunstctl", "action", "0"], check=True)
-        wait_until(lambda: name in self.app.output() and "preview" in self.app.output(),
-                   what="the notification click to find the capture")
+        title = name[:-len(".png")]
+        wait_until(lambda: viewable_windows(title), what="the capture's preview window")
 
     def test_custom_save_folder_is_created_when_missing(self):
         target = os.path.join(self.home.root, "captures", "nested", "deeper")
