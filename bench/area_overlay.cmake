@@ -2,5 +2,5 @@
 # to the X server's MapNotify), and Return to the PNG on disk.
 add_executable(bench_area_overlay ${CMAKE_CURRENT_LIST_DIR}/area_overlay_bench.cpp)
 set_target_properties(bench_area_overlay PROPERTIES AUTORCC ON)
-target_link_libraries(bench_area_overlay PRIVATE quillix_core Qt6::Test)
+target_link_libraries(bench_area_overlay PRIVATE quillix_bench_support Qt6::Test)
 quillix_strict_warnings(bench_area_overlay)

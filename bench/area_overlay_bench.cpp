@@ -34,6 +34,7 @@
 #include <vector>
 
 #include "annotation/annotation_overlay_controller.h"
+#include "bench_support.h"
 #include "storage/user_defaults.h"
 
 extern char** environ;
@@ -44,14 +45,6 @@ using Clock = std::chrono::steady_clock;
 
 double millisecondsBetween(Clock::time_point from, Clock::time_point to) {
     return std::chrono::duration<double, std::milli>(to - from).count();
-}
-
-double median(std::vector<double> values) {
-    if (values.empty()) {
-        return 0;
-    }
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 // Watches the root window from a connection of its own and notes when an

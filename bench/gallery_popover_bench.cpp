@@ -30,6 +30,7 @@
 #include <vector>
 
 #include "app/app_signals.h"
+#include "bench_support.h"
 #include "capture/capture_registry.h"
 #include "capture/screenshot_store.h"
 #include "storage/screenshot_metadata_store.h"
@@ -45,37 +46,6 @@ constexpr int kFileCount = 200;
 constexpr int kOpenings = 25;
 constexpr int kTypingRounds = 5;
 const QString kTyped = QStringLiteral("screenshot_1");
-
-// A desktop-like picture: gradient, panels with text lines, different per
-// file. Smaller than a full screen so the set-up stays short; the gallery
-// only ever sees the 200-pixel thumbnails.
-QImage screenshotLikeImage(int seed) {
-    QRandomGenerator random(quint32(seed) * 7919u + 1u);
-    QImage image(960, 540, QImage::Format_RGB32);
-    QPainter painter(&image);
-    QLinearGradient background(0, 0, 960, 540);
-    background.setColorAt(0, QColor::fromHsv(random.bounded(360), 90, 200));
-    background.setColorAt(1, QColor::fromHsv(random.bounded(360), 120, 80));
-    painter.fillRect(image.rect(), background);
-    for (int i = 0; i < 20; ++i) {
-        const QRect panel(random.bounded(860), random.bounded(460), 40 + random.bounded(250),
-                          20 + random.bounded(150));
-        painter.fillRect(panel, QColor::fromRgb(random.generate() | 0xff000000u));
-        painter.setPen(QColor::fromRgb(random.generate()));
-        for (int line = panel.top() + 6; line < panel.bottom() - 3; line += 10) {
-            painter.drawLine(panel.left() + 4, line, panel.left() + 4 + random.bounded(120), line);
-        }
-    }
-    return image;
-}
-
-double median(std::vector<double> values) {
-    if (values.empty()) {
-        return -1;
-    }
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
 
 double maximum(const std::vector<double>& values) {
     return values.empty() ? -1 : *std::max_element(values.begin(), values.end());
@@ -141,9 +111,11 @@ int main(int argc, char** argv) {
         seeds.append(i);
     }
     QtConcurrent::blockingMap(seeds, [&desktop](int seed) {
-        screenshotLikeImage(seed).save(
-            QStringLiteral("%1/Screenshot_%2.png").arg(desktop).arg(seed, 3, 10, QLatin1Char('0')),
-            "PNG");
+        screenshotLikeImage(seed, QSize(960, 540))
+            .save(QStringLiteral("%1/Screenshot_%2.png")
+                      .arg(desktop)
+                      .arg(seed, 3, 10, QLatin1Char('0')),
+                  "PNG");
     });
 
     CaptureRegistry registry(dataDir, legacyDir);

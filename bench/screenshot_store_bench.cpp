@@ -23,6 +23,7 @@
 #include <memory>
 #include <vector>
 
+#include "bench_support.h"
 #include "capture/capture_registry.h"
 #include "capture/screenshot_store.h"
 #include "storage/user_defaults.h"
@@ -34,36 +35,6 @@ constexpr int kFileCount = 200;
 constexpr int kColdRuns = 3;
 constexpr int kWarmRuns = 15;
 constexpr int kStormEvents = 100;
-
-// Something like a desktop screenshot: flat panels, gradients, hard edges
-// and one busy photo-like patch, different in every file.
-QImage screenshotLikeImage(int seed) {
-    QRandomGenerator random(quint32(seed) * 7919u + 1u);
-    QImage image(1920, 1080, QImage::Format_RGB32);
-    QPainter painter(&image);
-    QLinearGradient background(0, 0, 1920, 1080);
-    background.setColorAt(0, QColor::fromHsv(random.bounded(360), 90, 200));
-    background.setColorAt(1, QColor::fromHsv(random.bounded(360), 120, 80));
-    painter.fillRect(image.rect(), background);
-    for (int i = 0; i < 40; ++i) {
-        const QRect panel(random.bounded(1700), random.bounded(900), 60 + random.bounded(500),
-                          30 + random.bounded(300));
-        painter.fillRect(panel, QColor::fromRgb(random.generate() | 0xff000000u));
-        painter.setPen(QColor::fromRgb(random.generate()));
-        for (int line = panel.top() + 8; line < panel.bottom() - 4; line += 14) {
-            painter.drawLine(panel.left() + 6, line, panel.left() + 6 + random.bounded(200), line);
-        }
-    }
-    painter.end();
-    const QPoint patch(random.bounded(1500), random.bounded(700));
-    for (int y = 0; y < 300; ++y) {
-        auto* row = reinterpret_cast<QRgb*>(image.scanLine(patch.y() + y));
-        for (int x = 0; x < 400; ++x) {
-            row[patch.x() + x] = random.generate() | 0xff000000u;
-        }
-    }
-    return image;
-}
 
 void writeScreenshots(const QString& folder) {
     QList<int> seeds;
@@ -91,11 +62,6 @@ double processCpuMs() {
     getrusage(RUSAGE_SELF, &usage);
     return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e3 +
            (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e3;
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 // Milliseconds from `start` until the store publishes its next scan.
