@@ -69,7 +69,11 @@ struct ScreenshotStore::ThumbnailFill {
     QMutex mutex;  // Guards everything below.
     size_t nextFile = 0;
     size_t decodedCount = 0;
+    // Workers inside runThumbnailFillWorker now. Counted as they arrive, not
+    // as they are queued: the thread pool has been seen to drop a queued job
+    // under heavy load, and the filling must still finish without it.
     int activeWorkers = 0;
+    bool finishReported = false;
     std::vector<DecodedThumbnail> batch;
     QElapsedTimer sinceLastBatch;
 };
@@ -345,12 +349,12 @@ void ScreenshotStore::startThumbnailFill(std::vector<PendingThumbnail> pending) 
     fill->generation = fillGeneration_;
     fill->files = std::move(pending);
     fill->videoFrameReader = videoFrameReader_;
-    fill->activeWorkers =
-        int(std::min<size_t>(size_t(thumbnailPool_.maxThreadCount()), fill->files.size()));
+    const size_t workerCount =
+        std::min<size_t>(size_t(thumbnailPool_.maxThreadCount()), fill->files.size());
     fill->sinceLastBatch.start();
     currentFill_ = fill;
     ++fillsRunning_;
-    for (int worker = 0; worker < fill->activeWorkers; ++worker) {
+    for (size_t worker = 0; worker < workerCount; ++worker) {
         thumbnailPool_.start([this, fill] { runThumbnailFillWorker(fill); });
     }
 }
@@ -365,7 +369,8 @@ void ScreenshotStore::supersedeThumbnailFill() {
 
 // One worker: decodes files until none is left or the filling is
 // superseded, handing over the batch whenever it is due. The last worker to
-// stop hands over what is left and reports the filling finished.
+// stop once nothing is left hands over the rest and reports the filling
+// finished, exactly once; a worker arriving after that has nothing to do.
 void ScreenshotStore::runThumbnailFillWorker(const std::shared_ptr<ThumbnailFill>& fill) {
     const auto handOver = [this, generation = fill->generation](std::vector<DecodedThumbnail> batch,
                                                                 bool finished) {
@@ -378,6 +383,10 @@ void ScreenshotStore::runThumbnailFillWorker(const std::shared_ptr<ThumbnailFill
     };
 
     QMutexLocker locker(&fill->mutex);
+    if (fill->finishReported) {
+        return;
+    }
+    ++fill->activeWorkers;
     while (!fill->superseded && fill->nextFile < fill->files.size()) {
         const PendingThumbnail& file = fill->files[fill->nextFile++];
         locker.unlock();
@@ -398,7 +407,9 @@ void ScreenshotStore::runThumbnailFillWorker(const std::shared_ptr<ThumbnailFill
             locker.relock();
         }
     }
+    // Leaving the loop means no file is left to take (or none will be).
     if (--fill->activeWorkers == 0) {
+        fill->finishReported = true;
         std::vector<DecodedThumbnail> rest = std::exchange(fill->batch, {});
         locker.unlock();
         handOver(std::move(rest), true);
