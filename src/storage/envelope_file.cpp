@@ -1,8 +1,6 @@
 #include "storage/envelope_file.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <QDir>
 #include <QFile>
@@ -10,37 +8,11 @@
 #include <QStandardPaths>
 
 #include "storage/app_crypto.h"
+#include "storage/atomic_file.h"
 
 namespace {
 
 constexpr auto kFolderName = "Quillix";
-
-// Writes all of `data` to `fd`, retrying on short writes and interruptions.
-bool writeAll(int fd, const QByteArray& data) {
-    const char* cursor = data.constData();
-    qsizetype left = data.size();
-    while (left > 0) {
-        const ssize_t written = ::write(fd, cursor, static_cast<size_t>(left));
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        cursor += written;
-        left -= written;
-    }
-    return true;
-}
-
-// Makes the rename itself durable.
-void syncDirectory(const QString& directory) {
-    const int fd = ::open(QFile::encodeName(directory).constData(), O_RDONLY | O_DIRECTORY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
-}
 
 // The data folder holds the user's private state: create it 0700.
 void createPrivateDirectory(const QString& directory) {
@@ -104,24 +76,7 @@ std::optional<QByteArray> readEnvelopeFile(const QString& path) {
 
 bool writeEnvelopeFile(const QString& path, const QByteArray& json) {
     const std::optional<QByteArray> envelope = AppCrypto::encrypt(json);
-    if (!envelope) {
-        return false;
-    }
-    const QString directory = QFileInfo(path).absolutePath();
-    QByteArray temporaryPath = QFile::encodeName(path + QStringLiteral(".XXXXXX"));
-    const int fd = ::mkstemp(temporaryPath.data());  // created 0600
-    if (fd < 0) {
-        return false;
-    }
-    const bool written = writeAll(fd, *envelope) && ::fsync(fd) == 0;
-    const bool closed = ::close(fd) == 0;
-    if (!written || !closed ||
-        ::rename(temporaryPath.constData(), QFile::encodeName(path).constData()) != 0) {
-        ::unlink(temporaryPath.constData());
-        return false;
-    }
-    syncDirectory(directory);
-    return true;
+    return envelope && writeFileAtomically(path, *envelope, AtomicWriteMode::replace, 0600);
 }
 
 EnvelopeFile::EnvelopeFile(const QString& directory, const QString& fileName,

@@ -1,0 +1,89 @@
+#include "storage/atomic_file.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <QFileInfo>
+#include <cerrno>
+
+namespace {
+
+// Writes all of `data` to `fd`, retrying on short writes and interruptions.
+bool writeAll(int fd, const QByteArray& data) {
+    const char* cursor = data.constData();
+    qsizetype left = data.size();
+    while (left > 0) {
+        const ssize_t written = ::write(fd, cursor, static_cast<size_t>(left));
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            if (written == 0) {
+                errno = EIO;
+            }
+            return false;
+        }
+        cursor += written;
+        left -= written;
+    }
+    return true;
+}
+
+// Makes the rename itself durable.
+void syncDirectory(const QByteArray& directory) {
+    const int fd = ::open(directory.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+}
+
+constexpr mode_t kNewFileMode = 0644;
+
+// The mode the finished file gets: the one asked for, else a replaced file's
+// own.
+mode_t finalMode(const QByteArray& target, std::optional<unsigned> permissions) {
+    if (permissions) {
+        return static_cast<mode_t>(*permissions & 07777);
+    }
+    struct stat existing {};
+    if (::stat(target.constData(), &existing) == 0) {
+        return existing.st_mode & 07777;
+    }
+    return kNewFileMode;
+}
+
+bool moveIntoPlace(const QByteArray& temporary, const QByteArray& target, AtomicWriteMode mode) {
+    if (mode == AtomicWriteMode::replace) {
+        return ::rename(temporary.constData(), target.constData()) == 0;
+    }
+    return ::renameat2(AT_FDCWD, temporary.constData(), AT_FDCWD, target.constData(),
+                       RENAME_NOREPLACE) == 0;
+}
+
+}  // namespace
+
+bool writeFileAtomically(const QString& path, const QByteArray& data, AtomicWriteMode mode,
+                         std::optional<unsigned> permissions) {
+    const QByteArray target = QFile::encodeName(path);
+    QByteArray temporary = target + ".XXXXXX";
+    const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);  // created 0600
+    if (fd < 0) {
+        return false;
+    }
+    const bool written =
+        writeAll(fd, data) && ::fchmod(fd, finalMode(target, permissions)) == 0 && ::fsync(fd) == 0;
+    const int savedErrno = errno;
+    const bool closed = ::close(fd) == 0;
+    if (!written || !closed || !moveIntoPlace(temporary, target, mode)) {
+        const int failure = !written ? savedErrno : errno;
+        ::unlink(temporary.constData());
+        errno = failure;
+        return false;
+    }
+    syncDirectory(QFile::encodeName(QFileInfo(path).absolutePath()));
+    return true;
+}
