@@ -84,15 +84,6 @@ TEST(CaptureFileWriter, ANewCaptureNeverReplacesAFileAndRacingCapturesAllSurvive
     }
 }
 
-TEST(CaptureFileWriter, AMissingSaveFolderIsCreated) {
-    TestFolder folder;
-    const QString nested = folder.path("captures/nested/deeper");
-    const NewCaptureFile file = writeNewCaptureFile("png", {kName, nested, {}});
-    EXPECT_TRUE(file.inSaveFolder());
-    EXPECT_EQ(file.path, nested + "/" + kName);
-    EXPECT_EQ(readFileBytes(file.path), QByteArray("png"));
-}
-
 TEST(CaptureFileWriter, AnUnusableSaveFolderFallsBackInOrderAndSaysWhy) {
     TestFolder folder;
     // Files where folders should be: no folder can be made there, even by root.
