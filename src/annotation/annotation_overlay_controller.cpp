@@ -28,7 +28,9 @@
 #include "annotation/annotation_canvas_view.h"
 #include "annotation/annotation_toolbar.h"
 #include "annotation/area_selection_geometry.h"
+#include "capture/capture_file_writer.h"
 #include "capture/capture_service.h"
+#include "capture/captures_in_flight.h"
 
 namespace {
 
@@ -44,23 +46,24 @@ constexpr qreal kRedrawMargin = 12.0;
 constexpr qreal kLabelRedrawHeight = 40.0;
 
 struct WrittenCapture {
-    bool written = false;
+    NewCaptureFile file;
     QImage image;
     QByteArray pngData;
 };
 
 // Flattens, encodes and writes one capture; runs on a worker thread.
 WrittenCapture writeCapture(const QImage& cut, const QVector<Annotation>& annotations,
-                            const std::optional<QRectF>& crop, const QString& path) {
+                            const std::optional<QRectF>& crop,
+                            const CaptureDestination& destination) {
     WrittenCapture result;
     result.image = renderAnnotatedImage(cut, annotations, crop, 1.0);
     QBuffer buffer(&result.pngData);
     if (!buffer.open(QIODevice::WriteOnly) || !result.image.save(&buffer, "PNG")) {
+        result.pngData.clear();
+        result.file.saveFolderProblem = QStringLiteral("the image could not be encoded as PNG");
         return result;
     }
-    QFile file(path);
-    result.written = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-                     file.write(result.pngData) == result.pngData.size();
+    result.file = writeNewCaptureFile(result.pngData, destination);
     return result;
 }
 
@@ -584,7 +587,9 @@ void AnnotationOverlayController::saveSelection() {
         annotationState_.annotations(), selection, cutPoints);
     const std::optional<QRectF> crop =
         AreaSelectionGeometry::cropInCut(annotationState_.cropRect(), selection, cutPoints);
-    const QString path = CaptureService::shared().newCapturePath();
+    const CaptureDestination destination = CaptureService::shared().newCaptureDestination();
+    // Quitting waits for the capture until its follow-up has run.
+    const CaptureInFlightToken inFlight = startCaptureInFlight();
 
     // The overlay leaves at once; flattening, encoding and writing happen on
     // a worker, and the follow-up runs back here when the file is on disk.
@@ -593,23 +598,23 @@ void AnnotationOverlayController::saveSelection() {
         toolbarPanel_->hide();
     }
     QPointer<AnnotationOverlayController> self(this);
-    QtConcurrent::run(writeCapture, cut, annotations, crop, path)
-        .then(this, [self, path](const WrittenCapture& written) {
+    QtConcurrent::run(writeCapture, cut, annotations, crop, destination)
+        .then(this, [self, inFlight](const WrittenCapture& written) {
             if (!self) {
                 return;
             }
             self->saving_ = false;
-            if (written.written) {
-                self->finishSaving(path, written.image, written.pngData);
-            }
+            self->finishSaving(written.file, written.image, written.pngData);
             self->dismiss();
         });
 }
 
-void AnnotationOverlayController::finishSaving(const QString& path, const QImage& image,
+void AnnotationOverlayController::finishSaving(const NewCaptureFile& file, const QImage& image,
                                                const QByteArray& pngData) {
-    Q_EMIT saved(path);
-    CaptureService::shared().finishCapture(path, image, pngData);
+    if (file.written()) {
+        Q_EMIT saved(file.path);
+    }
+    CaptureService::shared().finishNewCapture(file, image, pngData);
 }
 
 void AnnotationOverlayController::dismiss() {

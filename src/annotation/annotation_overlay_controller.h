@@ -14,6 +14,7 @@
 
 class QWidget;
 class SelectionOverlayView;
+struct NewCaptureFile;
 
 // The area editor: freezes the screen under the pointer, covers it with a
 // borderless overlay showing the frozen picture, lets the user drag and
@@ -73,7 +74,7 @@ private:
     void createCanvas();
     void showToolbar(const QRectF& selection);
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void finishSaving(const QString& path, const QImage& image, const QByteArray& pngData);
+    void finishSaving(const NewCaptureFile& file, const QImage& image, const QByteArray& pngData);
 
     QPointer<QScreen> screen_;
     AnnotationState annotationState_;

@@ -10,7 +10,6 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPixmap>
-#include <QSaveFile>
 #include <QVariantAnimation>
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -20,6 +19,8 @@
 #include "annotation/preview_image_space.h"
 #include "annotation/preview_sidebar.h"
 #include "annotation/video_player_view.h"
+#include "capture/capture_file_writer.h"
+#include "capture/capture_registry.h"
 
 namespace {
 
@@ -52,30 +53,14 @@ QImage readPicture(const QString& path) {
     return reader.read();
 }
 
-// Flattens and writes over `path`; nothing when any step fails.
-std::optional<QImage> flattenAndWrite(const QImage& image, const QVector<Annotation>& annotations,
-                                      const std::optional<QRectF>& crop, const QString& path) {
-    const QImage flattened = renderAnnotatedImage(image, annotations, crop, 1.0);
-    if (flattened.isNull()) {
-        return std::nullopt;
-    }
+// The PNG encoding of `image`; empty when it fails.
+QByteArray encodePng(const QImage& image) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
-    if (!buffer.open(QIODevice::WriteOnly) || !flattened.save(&buffer, "PNG")) {
-        return std::nullopt;
+    if (image.isNull() || !buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG")) {
+        return {};
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return std::nullopt;
-    }
-    if (file.write(bytes) != bytes.size()) {
-        file.cancelWriting();
-        return std::nullopt;
-    }
-    if (!file.commit()) {
-        return std::nullopt;
-    }
-    return flattened;
+    return bytes;
 }
 
 bool isSaveOrUndoKey(const QKeyEvent* key) {
@@ -292,14 +277,21 @@ void ScreenshotPreviewView::save() {
         cropInImageSpace(annotationState_.cropRect(), display, imageSize);
     const QString path = item_.path();
     saving_ = true;
-    QtConcurrent::run([image, annotations, crop, path] {
-        return flattenAndWrite(image, annotations, crop, path);
-    }).then(this, [this](const std::optional<QImage>& written) {
-        saving_ = false;
-        if (written) {
-            takeSavedImage(*written);
-        }
-    });
+    // Flattened and encoded on a worker; the rewrite keeps an own capture own.
+    auto flattened = std::make_shared<QImage>();
+    rewriteCapture(
+        path,
+        [image, annotations, crop, flattened] {
+            *flattened = renderAnnotatedImage(image, annotations, crop, 1.0);
+            return encodePng(*flattened);
+        },
+        this, CaptureRegistry::shared())
+        .then(this, [this, flattened](bool written) {
+            saving_ = false;
+            if (written) {
+                takeSavedImage(*flattened);
+            }
+        });
 }
 
 void ScreenshotPreviewView::takeSavedImage(const QImage& image) {

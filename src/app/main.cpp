@@ -4,6 +4,7 @@
 #include "app/app_control.h"
 #include "app/app_delegate.h"
 #include "app/quit_on_signal.h"
+#include "capture/captures_in_flight.h"
 
 int main(int argc, char* argv[]) {
     // The icons live in the core library's resources, which a static library
@@ -26,5 +27,9 @@ int main(int argc, char* argv[]) {
         delegate.applicationDidFinishLaunching();
         control.publish();
     });
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    // A capture saved just before the quit (a logout's SIGTERM right after
+    // Return) still gets its follow-up, so it stays in the gallery.
+    waitForCapturesInFlight();
+    return status;
 }

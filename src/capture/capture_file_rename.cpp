@@ -22,7 +22,27 @@ std::optional<QString> renamedCapturePath(const QString& path, const QString& ty
     return QDir(info.absolutePath()).filePath(fileName);
 }
 
+QString captureNameProblem(const QString& from, const QString& to) {
+    QString folder = QFileInfo(from).absolutePath();
+    if (!folder.endsWith(QLatin1Char('/'))) {
+        folder += QLatin1Char('/');
+    }
+    const QString target = QFileInfo(to).absoluteFilePath();
+    // A separator in the typed name would move the file to another folder.
+    if (!target.startsWith(folder) || target.mid(folder.size()).contains(QLatin1Char('/'))) {
+        return QStringLiteral("A name can't contain “/”.");
+    }
+    // A leading dot hides the file: from the gallery and from file managers.
+    if (target.mid(folder.size()).startsWith(QLatin1Char('.'))) {
+        return QStringLiteral("A name can't start with “.”.");
+    }
+    return {};
+}
+
 CaptureRenameResult moveCaptureFile(const QString& from, const QString& to) {
+    if (const QString problem = captureNameProblem(from, to); !problem.isEmpty()) {
+        return {{}, problem};
+    }
     const QByteArray source = QFile::encodeName(from);
     const QByteArray destination = QFile::encodeName(to);
     // renameat2 with RENAME_NOREPLACE refuses an existing destination in one

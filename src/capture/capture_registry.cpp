@@ -34,15 +34,14 @@ void CaptureRegistry::load() {
         file_.markUndecodable();
         return;
     }
-    std::unordered_set<quint64> inodes;
+    // One bad entry costs only itself; the file is still kept aside.
     for (const auto& element : *json) {
-        if (!element.is_number_unsigned()) {
+        if (element.is_number_unsigned()) {
+            capturedInodes_.insert(element.get<std::uint64_t>());
+        } else {
             file_.markUndecodable();
-            return;
         }
-        inodes.insert(element.get<std::uint64_t>());
     }
-    capturedInodes_ = std::move(inodes);
 }
 
 void CaptureRegistry::record(const QString& filePath) {

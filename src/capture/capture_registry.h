@@ -16,7 +16,8 @@ public:
     static CaptureRegistry& shared();
 
     // Loads from `directory`/registry.bin after moving in, once, an older
-    // registry.json or registry.bin from `legacyDirectory`.
+    // registry.json or registry.bin from `legacyDirectory`. An entry that is
+    // not an inode number is left out on its own.
     CaptureRegistry(const QString& directory, const QString& legacyDirectory);
 
     CaptureRegistry(const CaptureRegistry&) = delete;

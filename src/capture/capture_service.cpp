@@ -9,35 +9,55 @@
 #include <QPointer>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QtConcurrent>
+#include <algorithm>
 
 #include "app/diagnostics.h"
 #include "capture/capture_registry.h"
+#include "capture/captures_in_flight.h"
 #include "capture/image_clipboard.h"
 #include "capture/screenshot_store.h"
 #include "platform/notification_attachment.h"
 #include "platform/notifier.h"
 #include "platform/platform_services.h"
 #include "platform/sound_player.h"
+#include "storage/envelope_file.h"
 #include "storage/user_defaults.h"
 
 namespace {
 
-struct LoadedCapture {
+// A window capture as the tool took it, and where it was saved.
+struct SavedWindowCapture {
     QImage image;
     QByteArray pngData;
+    NewCaptureFile file;
 };
 
-// Reads a capture file back; runs on a worker thread.
-LoadedCapture loadCapture(const QString& path) {
-    QFile file(path);
+// Reads the tool's file back and writes it as a new capture; runs on a
+// worker thread. A file that does not load ends the capture silently.
+SavedWindowCapture saveToolOutput(const QString& toolOutput,
+                                  const CaptureDestination& destination) {
+    SavedWindowCapture capture;
+    QFile file(toolOutput);
     if (!file.open(QIODevice::ReadOnly)) {
-        return {};
+        return capture;
     }
-    LoadedCapture loaded;
-    loaded.pngData = file.readAll();
-    loaded.image = QImage::fromData(loaded.pngData, "PNG");
-    return loaded;
+    capture.pngData = file.readAll();
+    capture.image = QImage::fromData(capture.pngData, "PNG");
+    if (!capture.image.isNull()) {
+        capture.file = writeNewCaptureFile(capture.pngData, destination);
+    }
+    return capture;
+}
+
+// "/home/u/Desktop can't be used (Not a directory)", or the bare problem when
+// no folder was tried.
+QString whyNotInSaveFolder(const NewCaptureFile& file) {
+    if (file.saveFolder.isEmpty()) {
+        return file.saveFolderProblem;
+    }
+    return QStringLiteral("%1 can't be used (%2)").arg(file.saveFolder, file.saveFolderProblem);
 }
 
 }  // namespace
@@ -50,6 +70,7 @@ CaptureService& CaptureService::shared() {
         PlatformServices::instance().notifier(),
         PlatformServices::instance().soundPlayer(),
         QStandardPaths::writableLocation(QStandardPaths::DesktopLocation),
+        {QStandardPaths::writableLocation(QStandardPaths::PicturesLocation), dataDirectory()},
         QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("quillix-capture")),
     });
     return *service;
@@ -71,19 +92,28 @@ QString CaptureService::screenshotFileName(const QDateTime& instant) {
 }
 
 QString CaptureService::saveFolder() const {
-    if (const std::optional<QString> custom = dependencies_.defaults.customSaveFolder()) {
-        QDir().mkpath(*custom);  // a failure shows up as a failed write
-        return *custom;
-    }
-    return dependencies_.desktopFolder;
+    return dependencies_.defaults.customSaveFolder().value_or(dependencies_.desktopFolder);
 }
 
-QString CaptureService::newCapturePath() const {
-    return QDir(saveFolder()).filePath(screenshotFileName(QDateTime::currentDateTimeUtc()));
+CaptureDestination CaptureService::newCaptureDestination() const {
+    return {screenshotFileName(QDateTime::currentDateTimeUtc()), saveFolder(),
+            dependencies_.fallbackFolders};
 }
 
 void CaptureService::captureWindow(quint32 windowId) {
-    const QString destination = newCapturePath();
+    // The tool writes into a private scratch folder; from there the file is
+    // saved like every capture: numbered when its name is taken, and in a
+    // fallback folder when the save folder cannot take it.
+    auto scratch = std::make_shared<QTemporaryDir>(
+        QDir(QDir::tempPath()).filePath(QStringLiteral("quillix-capture-XXXXXX")));
+    if (!scratch->isValid()) {
+        printDiagnostic(QStringLiteral("⚠️ Quillix: captureWindow failed: ") +
+                        scratch->errorString());
+        return;
+    }
+    const CaptureDestination destination = newCaptureDestination();
+    const QString toolOutput = scratch->filePath(destination.fileName);
+    const CaptureInFlightToken inFlight = startCaptureInFlight();
     auto* tool = new QProcess(this);
     connect(tool, &QProcess::errorOccurred, this, [tool](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart) {
@@ -93,44 +123,90 @@ void CaptureService::captureWindow(quint32 windowId) {
         }
     });
     connect(tool, &QProcess::finished, this,
-            [this, tool, destination](int exitCode, QProcess::ExitStatus status) {
+            [this, tool, destination, toolOutput, scratch, inFlight](int exitCode,
+                                                                     QProcess::ExitStatus status) {
                 tool->deleteLater();
                 if (status != QProcess::NormalExit || exitCode != 0) {
                     return;
                 }
                 QPointer<CaptureService> self(this);
-                auto loading = QtConcurrent::run(loadCapture, destination);
-                loading.then(this, [self, destination](const LoadedCapture& loaded) {
-                    if (self && !loaded.image.isNull()) {
-                        self->finishCapture(destination, loaded.image, loaded.pngData);
+                QtConcurrent::run([toolOutput, destination, scratch] {
+                    const SavedWindowCapture capture = saveToolOutput(toolOutput, destination);
+                    scratch->remove();
+                    return capture;
+                }).then(this, [self, inFlight](const SavedWindowCapture& capture) {
+                    if (self && !capture.image.isNull()) {
+                        self->finishNewCapture(capture.file, capture.image, capture.pngData);
                     }
                 });
             });
     tool->start(dependencies_.captureToolPath, {QStringLiteral("-l"), QString::number(windowId),
-                                                QStringLiteral("-x"), destination});
+                                                QStringLiteral("-x"), toolOutput});
 }
 
 void CaptureService::finishCapture(const QString& path, const QImage& image,
                                    const QByteArray& pngData) {
-    dependencies_.registry.record(path);
+    followUp(path, image, pngData, QFileInfo(path).fileName(), false);
+}
+
+void CaptureService::finishNewCapture(const NewCaptureFile& file, const QImage& image,
+                                      const QByteArray& pngData) {
+    if (file.inSaveFolder()) {
+        finishCapture(file.path, image, pngData);
+        return;
+    }
+    const QString why = whyNotInSaveFolder(file);
+    if (file.written()) {
+        const QString where = QStringLiteral("Saved as %1 because %2.").arg(file.path, why);
+        printDiagnostic(QStringLiteral("⚠️ Quillix: screenshot saved as %1 because %2")
+                            .arg(file.path, why));
+        followUp(file.path, image, pngData, where, true);
+        return;
+    }
+    printDiagnostic(
+        QStringLiteral("⚠️ Quillix: screenshot not saved: %1; it is on the clipboard")
+            .arg(why));
     putImageOnClipboard(image, pngData);
-    dependencies_.library.refresh();
+    const QString elsewhere =
+        file.saveFolder.isEmpty() ? QString() : QStringLiteral(", nor could any other folder");
+    postNotification(
+        QStringLiteral("Screenshot not saved"),
+        QStringLiteral("%1%2. The screenshot is on the clipboard.").arg(why, elsewhere), image);
+}
+
+void CaptureService::followUp(const QString& path, const QImage& image, const QByteArray& pngData,
+                              const QString& notificationBody, bool inFallbackFolder) {
+    const QString folder = QDir::cleanPath(QFileInfo(path).absolutePath());
+    const bool scanned = std::any_of(
+        dependencies_.library.scanFolders().cbegin(), dependencies_.library.scanFolders().cend(),
+        [&folder](const QString& listed) { return QDir::cleanPath(listed) == folder; });
+    if (inFallbackFolder && !scanned) {
+        // The library does not look there: it lists the file at once (and
+        // records it first, so the registry still comes first).
+        dependencies_.library.insertNewCapture(path);
+    } else {
+        dependencies_.registry.record(path);
+    }
+    putImageOnClipboard(image, pngData);
+    if (!inFallbackFolder || scanned) {
+        dependencies_.library.refresh();
+    }
     dependencies_.sounds.play(QStringLiteral("camera-shutter"));
-    postSavedNotification(path, image);
+    postNotification(QStringLiteral("Screenshot saved"), notificationBody, image);
     Q_EMIT captureFinished(path);
 }
 
-void CaptureService::postSavedNotification(const QString& path, const QImage& image) {
+void CaptureService::postNotification(const QString& summary, const QString& body,
+                                      const QImage& image) {
     if (!dependencies_.notifier.isAuthorised()) {
         return;
     }
-    const QString body = QFileInfo(path).fileName();
     QPointer<Notifier> notifier(&dependencies_.notifier);
     // The attachment is a PNG encoding of the image: do it off the GUI thread.
     QtConcurrent::run(writeNotificationAttachment, image)
-        .then(this, [notifier, body](const QString& attachment) {
+        .then(this, [notifier, summary, body](const QString& attachment) {
             if (notifier) {
-                notifier->post(QStringLiteral("Screenshot saved"), body, attachment);
+                notifier->post(summary, body, attachment);
             }
         });
 }

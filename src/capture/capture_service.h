@@ -5,7 +5,10 @@
 #include <QImage>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <functional>
+
+#include "capture/capture_file_writer.h"
 
 class CaptureRegistry;
 class Notifier;
@@ -16,7 +19,11 @@ class UserDefaults;
 // Turns capture requests into PNG files in the save folder, and runs the one
 // follow-up sequence after every saved screenshot: record it as our own, put
 // it on the clipboard, refresh the library, play the shutter sound, and post
-// the "Screenshot saved" notification. GUI thread only.
+// the "Screenshot saved" notification. A capture never vanishes: when the
+// save folder cannot take it, it goes to the first fallback folder that can
+// (Pictures, then the data folder) and the notification says where and why;
+// when no folder can, it stays on the clipboard and the notification
+// ("Screenshot not saved") says why. GUI thread only.
 class CaptureService : public QObject {
     Q_OBJECT
 
@@ -28,7 +35,8 @@ public:
         Notifier& notifier;
         SoundPlayer& sounds;
         QString desktopFolder;
-        QString captureToolPath;  // quillix-capture
+        QStringList fallbackFolders;  // in order, for when the save folder fails
+        QString captureToolPath;      // quillix-capture
     };
 
     static CaptureService& shared();
@@ -40,26 +48,37 @@ public:
     // "Screenshot_2026-11-16T09-45-11Z.png".
     static QString screenshotFileName(const QDateTime& instant);
 
-    // "customSaveFolder" (created when missing) or the Desktop.
+    // "customSaveFolder" or the Desktop (created when the capture is written).
     QString saveFolder() const;
-    // The save folder + the file name for this instant.
-    QString newCapturePath() const;
+    // Where a capture taken now goes: the file name for this instant, the
+    // save folder and the fallback folders. Write it with writeNewCaptureFile.
+    CaptureDestination newCaptureDestination() const;
 
     // Captures one window, by its X window id, through the capture tool; the
     // follow-up runs when the tool succeeded and its file loads.
     void captureWindow(quint32 windowId);
 
-    // The follow-up sequence for a file just written. `pngData` is the file's
-    // PNG bytes when the caller has them at hand (they go on the clipboard as
-    // they are, sparing a second encoding).
+    // The follow-up sequence for a file just written in the save folder.
+    // `pngData` is the file's PNG bytes when the caller has them at hand
+    // (they go on the clipboard as they are, sparing a second encoding).
     void finishCapture(const QString& path, const QImage& image, const QByteArray& pngData = {});
+
+    // The follow-up for a new capture wherever writeNewCaptureFile put it:
+    // in the save folder, in a fallback folder (with a warning line and a
+    // notification saying where and why), or nowhere (the image stays on the
+    // clipboard, with a warning line and a "Screenshot not saved"
+    // notification).
+    void finishNewCapture(const NewCaptureFile& file, const QImage& image,
+                          const QByteArray& pngData = {});
 
 Q_SIGNALS:
     // After each finished capture (for the shell and for tests).
     void captureFinished(const QString& path);
 
 private:
-    void postSavedNotification(const QString& path, const QImage& image);
+    void followUp(const QString& path, const QImage& image, const QByteArray& pngData,
+                  const QString& notificationBody, bool inFallbackFolder);
+    void postNotification(const QString& summary, const QString& body, const QImage& image);
 
     Dependencies dependencies_;
 };

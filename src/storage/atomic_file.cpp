@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
@@ -56,12 +57,46 @@ mode_t finalMode(const QByteArray& target, std::optional<unsigned> permissions) 
     return kNewFileMode;
 }
 
+// Puts the finished temporary file at `target` without ever replacing a file
+// there. File systems without RENAME_NOREPLACE (NFS, some FUSE ones) get a
+// hard link, which refuses an existing name just as atomically; where even
+// links are missing, a check right before the rename is the best left.
+bool moveIntoFreePlace(const QByteArray& temporary, const QByteArray& target) {
+    if (::renameat2(AT_FDCWD, temporary.constData(), AT_FDCWD, target.constData(),
+                    RENAME_NOREPLACE) == 0) {
+        return true;
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return false;
+    }
+    if (::link(temporary.constData(), target.constData()) == 0) {
+        ::unlink(temporary.constData());
+        return true;
+    }
+    if (errno == EEXIST) {
+        return false;
+    }
+    struct stat existing {};
+    if (::lstat(target.constData(), &existing) == 0) {
+        errno = EEXIST;
+        return false;
+    }
+    return ::rename(temporary.constData(), target.constData()) == 0;
+}
+
 bool moveIntoPlace(const QByteArray& temporary, const QByteArray& target, AtomicWriteMode mode) {
     if (mode == AtomicWriteMode::replace) {
         return ::rename(temporary.constData(), target.constData()) == 0;
     }
-    return ::renameat2(AT_FDCWD, temporary.constData(), AT_FDCWD, target.constData(),
-                       RENAME_NOREPLACE) == 0;
+    return moveIntoFreePlace(temporary, target);
+}
+
+// The temporary file is hidden ("." + name), so that what a crash leaves
+// behind is never listed as a capture or mistaken for one.
+QByteArray temporaryTemplate(const QString& path) {
+    const QFileInfo info(path);
+    return QFile::encodeName(QDir(info.path()).filePath(QLatin1Char('.') + info.fileName())) +
+           ".XXXXXX";
 }
 
 }  // namespace
@@ -69,7 +104,7 @@ bool moveIntoPlace(const QByteArray& temporary, const QByteArray& target, Atomic
 bool writeFileAtomically(const QString& path, const QByteArray& data, AtomicWriteMode mode,
                          std::optional<unsigned> permissions) {
     const QByteArray target = QFile::encodeName(path);
-    QByteArray temporary = target + ".XXXXXX";
+    QByteArray temporary = temporaryTemplate(path);
     const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);  // created 0600
     if (fd < 0) {
         return false;

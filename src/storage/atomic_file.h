@@ -6,9 +6,9 @@
 
 // The one way the program replaces or creates a file whose loss would lose
 // user data (captures, rewritten captures, data files): the bytes go to a
-// temporary file beside the target, are flushed to disk, and the temporary
-// file is renamed over the target, so a crash leaves either the old file or
-// the new one, never a half-written one. Safe on any thread.
+// hidden temporary file beside the target, are flushed to disk, and the
+// temporary file is renamed over the target, so a crash leaves either the
+// old file or the new one, never a half-written one. Safe on any thread.
 
 enum class AtomicWriteMode {
     // Replace the target if it exists (rewrites, data files).

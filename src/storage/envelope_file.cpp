@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <cerrno>
 
 #include "storage/app_crypto.h"
 #include "storage/atomic_file.h"
@@ -39,12 +40,38 @@ void moveLegacyFileIn(const QString& target, const QString& legacyDirectory,
     }
 }
 
+// `base`, or `base`-2, -3, … whichever does not exist yet.
+QString numberedName(const QString& base, int number) {
+    return number <= 1 ? base : base + QLatin1Char('-') + QString::number(number);
+}
+
 QString firstFreeName(const QString& base) {
     QString candidate = base;
     for (int number = 2; QFileInfo::exists(candidate); ++number) {
-        candidate = base + QLatin1Char('-') + QString::number(number);
+        candidate = numberedName(base, number);
     }
     return candidate;
+}
+
+// Copies the file through the atomic write, never over an earlier copy.
+bool copyUnderFreeName(const QString& source, const QString& base) {
+    QFile file(source);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        return false;
+    }
+    for (int number = 1;; ++number) {
+        if (writeFileAtomically(numberedName(base, number), bytes, AtomicWriteMode::neverReplace,
+                                0600)) {
+            return true;
+        }
+        if (errno != EEXIST) {
+            return false;
+        }
+    }
 }
 
 }  // namespace
@@ -95,16 +122,21 @@ std::optional<QByteArray> EnvelopeFile::read() {
 }
 
 bool EnvelopeFile::write(const QByteArray& json) {
-    // Never replace a damaged file that could not be kept aside.
-    if (keepAsideBeforeWrite_ && !keepDamagedCopy()) {
-        return false;
+    if (keepAsideBeforeWrite_) {
+        keepDamagedFileAside();
     }
     return writeEnvelopeFile(path_, json);
 }
 
-bool EnvelopeFile::keepDamagedCopy() {
-    const bool kept = !QFileInfo::exists(path_) ||
-                      QFile::copy(path_, firstFreeName(path_ + QStringLiteral(".unreadable")));
-    keepAsideBeforeWrite_ = !kept;
-    return kept;
+void EnvelopeFile::keepDamagedFileAside() {
+    // A copy keeps the damaged file in place until the new one replaces it.
+    // A file that cannot be copied (unreadable, or not a file at all) is
+    // moved aside instead; one that cannot even be moved is overwritten, as
+    // the write rule does with any damaged file: a store that could never
+    // save again would lose far more.
+    const QString aside = path_ + QStringLiteral(".unreadable");
+    if (QFileInfo::exists(path_) && !copyUnderFreeName(path_, aside)) {
+        QFile::rename(path_, firstFreeName(aside));
+    }
+    keepAsideBeforeWrite_ = false;
 }

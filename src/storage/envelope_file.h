@@ -26,9 +26,11 @@ bool writeEnvelopeFile(const QString& path, const QByteArray& json);
 
 // One store's data file. Computing its location creates the data folder
 // (private to the user) and moves older copies in from the legacy folder once.
-// A file that exists but cannot be read or decoded is copied aside as
-// NAME.unreadable before the next save replaces it, so damaged data or data
-// from a newer version is never lost.
+// A file that exists but cannot be read or decoded (wholly or in part) is
+// copied aside as NAME.unreadable before the next save replaces it, so
+// damaged data or data from a newer version is never lost; a file that
+// cannot be copied is moved aside, and one that cannot be moved either is
+// replaced all the same.
 class EnvelopeFile {
 public:
     // `legacyNames` are tried in order; the first one found is moved in when
@@ -42,15 +44,14 @@ public:
     // kept aside before the next write.
     std::optional<QByteArray> read();
 
-    // The store could not decode what read() returned.
+    // The store could not decode all of what read() returned.
     void markUndecodable() { keepAsideBeforeWrite_ = true; }
 
-    // The write rule on this file, after keeping a damaged file aside (a
-    // damaged file that cannot be kept aside is not replaced).
+    // The write rule on this file, after keeping a damaged file aside.
     bool write(const QByteArray& json);
 
 private:
-    bool keepDamagedCopy();
+    void keepDamagedFileAside();
 
     QString path_;
     bool keepAsideBeforeWrite_ = false;

@@ -32,17 +32,14 @@ void ScreenshotMetadataStore::load() {
         file_.markUndecodable();
         return;
     }
-    QHash<QString, ScreenshotMetadata> loaded;
+    // One bad record costs only itself; the file is still kept aside.
     for (const auto& [key, value] : json->items()) {
-        const std::optional<ScreenshotMetadata> record = decodeMetadata(value);
-        if (!record) {
-            // One bad record makes the whole document unreadable.
+        if (const std::optional<ScreenshotMetadata> record = decodeMetadata(value)) {
+            metadata_.insert(QString::fromStdString(key), *record);
+        } else {
             file_.markUndecodable();
-            return;
         }
-        loaded.insert(QString::fromStdString(key), *record);
     }
-    metadata_ = std::move(loaded);
 }
 
 void ScreenshotMetadataStore::setColorLabel(std::optional<ColorLabel> label,

@@ -21,7 +21,8 @@ public:
     static ScreenshotMetadataStore& shared();
 
     // Loads `directory`/metadata.bin; a missing, unreadable or undecodable
-    // file leaves the store empty.
+    // file leaves the store empty, and a record that does not decode is
+    // left out on its own.
     explicit ScreenshotMetadataStore(const QString& directory, QObject* parent = nullptr);
 
     // The key of a file: its name with extension.

@@ -20,6 +20,18 @@ QString defaultsFilePath() {
         .filePath(QStringLiteral("Quillix/Quillix.conf"));
 }
 
+// A relative folder (or one written with "~") lies in the home folder, not in
+// whatever the working folder happens to be.
+QString resolvedAgainstHome(const QString& folder) {
+    if (folder == QLatin1String("~")) {
+        return QDir::homePath();
+    }
+    if (folder.startsWith(QLatin1String("~/"))) {
+        return QDir::cleanPath(QDir::home().filePath(folder.mid(2)));
+    }
+    return QDir::cleanPath(QDir::home().filePath(folder));  // an absolute one stays
+}
+
 }  // namespace
 
 UserDefaults& UserDefaults::shared() {
@@ -104,11 +116,12 @@ void UserDefaults::setAutoClearDays(int days) {
 }
 
 std::optional<QString> UserDefaults::customSaveFolder() const {
-    const QVariant folder = settings_.value(QLatin1String(kCustomSaveFolder));
-    if (!folder.isValid()) {
+    const QString folder = settings_.value(QLatin1String(kCustomSaveFolder)).toString();
+    // An empty path would mean the working folder, which is nobody's choice.
+    if (folder.trimmed().isEmpty()) {
         return std::nullopt;
     }
-    return folder.toString();
+    return resolvedAgainstHome(folder);
 }
 
 void UserDefaults::setCustomSaveFolder(const std::optional<QString>& folder) {

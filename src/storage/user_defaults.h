@@ -67,6 +67,8 @@ public:
     void setAutoClearDays(int days);
 
     // Where captures are written; nothing means the default save folder.
+    // An empty stored path counts as none; a relative one (or one starting
+    // with "~/") lies in the home folder.
     std::optional<QString> customSaveFolder() const;
     void setCustomSaveFolder(const std::optional<QString>& folder);
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -42,6 +43,35 @@ TEST(CaptureFileRenameTest, MoveRefusesToReplaceAnExistingFile) {
     EXPECT_EQ(readFileBytes(folder.path("c.png")), QByteArray("a"));
 
     EXPECT_FALSE(moveCaptureFile(folder.path("gone.png"), folder.path("d.png")).succeeded());
+}
+
+TEST(CaptureFileRenameTest, NamesWithSeparatorsOrALeadingDotAreRefusedWithAClearMessage) {
+    TestFolder folder;
+    const QString from = folder.path("Desktop/shot.png");
+    writeFileBytes(from, "a");
+    const std::pair<QString, QString> cases[] = {
+        {QStringLiteral("../x"), QStringLiteral("A name can't contain “/”.")},
+        {QStringLiteral("a/b"), QStringLiteral("A name can't contain “/”.")},
+        {QStringLiteral("/etc/x"), QStringLiteral("A name can't contain “/”.")},
+        {QStringLiteral(" .x"), QStringLiteral("A name can't start with “.”.")},
+        {QStringLiteral(".."), QStringLiteral("A name can't start with “.”.")},
+    };
+    for (const auto& [typed, message] : cases) {
+        const std::optional<QString> to = renamedCapturePath(from, typed);
+        ASSERT_TRUE(to) << typed.toStdString();
+        const CaptureRenameResult refused = moveCaptureFile(from, *to);
+        EXPECT_EQ(refused.errorMessage, message) << typed.toStdString();
+        EXPECT_EQ(readFileBytes(from), QByteArray("a"));
+    }
+    EXPECT_FALSE(QFileInfo::exists(folder.path("x.png")));
+    EXPECT_EQ(QDir(folder.path("Desktop"))
+                  .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{"shot.png"});
+
+    // Dots inside a name are fine.
+    EXPECT_TRUE(
+        moveCaptureFile(from, *renamedCapturePath(from, QStringLiteral("v1.2 final"))).succeeded());
+    EXPECT_EQ(readFileBytes(folder.path("Desktop/v1.2 final.png")), QByteArray("a"));
 }
 
 }  // namespace

@@ -110,6 +110,22 @@ TEST(EnvelopeFile, AnEarlierKeptCopyIsNotOverwritten) {
     EXPECT_EQ(readFileBytes(path + ".unreadable-2"), QByteArray("newer damage"));
 }
 
+TEST(EnvelopeFile, ADamagedFileThatCannotBeCopiedIsMovedAsideAndTheStoreStillSaves) {
+    TestFolder folder;
+    // A folder where the file should be: it reads as nothing and cannot be
+    // copied (which no permission bits achieve for root).
+    const QString path = folder.dataDir() + "/x.bin";
+    writeFileBytes(path + "/inside", "kept");
+    EnvelopeFile file(folder.dataDir(), "x.bin");
+    EXPECT_FALSE(file.read());
+
+    ASSERT_TRUE(file.write("[1]"));
+    EXPECT_EQ(AppCrypto::decrypt(readFileBytes(path)), QByteArray("[1]"));
+    EXPECT_EQ(readFileBytes(path + ".unreadable/inside"), QByteArray("kept"));
+    ASSERT_TRUE(file.write("[2]"));
+    EXPECT_EQ(AppCrypto::decrypt(readFileBytes(path)), QByteArray("[2]"));
+}
+
 TEST(EnvelopeFile, ReadableFilesAreNotKeptAside) {
     TestFolder folder;
     writeFileBytes(folder.dataDir() + "/x.bin", "[1]");

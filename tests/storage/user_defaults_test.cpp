@@ -81,4 +81,24 @@ TEST_F(UserDefaultsTest, ClearingTheSaveFolderRemovesTheKeyAndAnnouncesIt) {
     EXPECT_EQ(spy.at(1).at(0).toString(), "customSaveFolder");
 }
 
+TEST_F(UserDefaultsTest, AnEmptySaveFolderIsAbsentAndARelativeOneLiesInHome) {
+    const QByteArray home = folder.path("home").toLocal8Bit();
+    const QByteArray previousHome = qgetenv("HOME");
+    qputenv("HOME", home);
+    const std::pair<QString, std::optional<QString>> cases[] = {
+        {QString(), std::nullopt},
+        {QStringLiteral("  "), std::nullopt},
+        {QStringLiteral("caps/here"), home + "/caps/here"},
+        {QStringLiteral("./caps"), home + "/caps"},
+        {QStringLiteral("~/caps"), home + "/caps"},
+        {QStringLiteral("~"), QString::fromLocal8Bit(home)},
+        {QStringLiteral("/tmp/caps"), QStringLiteral("/tmp/caps")},
+    };
+    for (const auto& [stored, expected] : cases) {
+        storeRaw("customSaveFolder", stored);
+        EXPECT_EQ(UserDefaults(file()).customSaveFolder(), expected) << stored.toStdString();
+    }
+    qputenv("HOME", previousHome);
+}
+
 }  // namespace

@@ -1,11 +1,14 @@
 #include "capture_tool.h"
 
+#include <QBuffer>
 #include <QImageWriter>
-#include <QSaveFile>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "capture_arguments.h"
 #include "platform/x11/x11_window_grabber.h"
+#include "storage/atomic_file.h"
 
 namespace {
 
@@ -46,21 +49,19 @@ X11GrabResult grab(X11WindowGrabber& grabber, const CaptureArguments& arguments)
 }
 
 // The PNG goes to a temporary file beside `path` that is renamed over it only
-// once complete, so a failure leaves neither a partial file nor a stray one.
+// once complete (the program's one atomic write), so a failure leaves
+// neither a partial file nor a stray one.
 bool writePng(const QImage& image, const QString& path, QString* reason) {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        *reason = QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
-        return false;
-    }
-    QImageWriter writer(&file, QByteArrayLiteral("png"));
-    if (!writer.write(image)) {
-        file.cancelWriting();
+    QByteArray png;
+    QBuffer buffer(&png);
+    QImageWriter writer(&buffer, QByteArrayLiteral("png"));
+    if (!buffer.open(QIODevice::WriteOnly) || !writer.write(image)) {
         *reason = QStringLiteral("cannot write %1: %2").arg(path, writer.errorString());
         return false;
     }
-    if (!file.commit()) {
-        *reason = QStringLiteral("cannot write %1: %2").arg(path, file.errorString());
+    if (!writeFileAtomically(path, png)) {
+        *reason = QStringLiteral("cannot write %1: %2")
+                      .arg(path, QString::fromLocal8Bit(std::strerror(errno)));
         return false;
     }
     return true;
