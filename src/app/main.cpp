@@ -1,11 +1,48 @@
 #include <QApplication>
 #include <QTimer>
+#include <cstdio>
 
 #include "app/app_control.h"
 #include "app/app_delegate.h"
+#include "app/command_line.h"
+#include "app/diagnostics.h"
 #include "app/quit_on_signal.h"
 
+namespace {
+
+void print(std::FILE* stream, const QString& text) {
+    const QByteArray utf8 = text.toUtf8();
+    std::fwrite(utf8.constData(), 1, static_cast<size_t>(utf8.size()), stream);
+    std::fflush(stream);
+}
+
+QStringList argumentsOf(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int index = 1; index < argc; ++index) {
+        arguments.append(QString::fromLocal8Bit(argv[index]));
+    }
+    return arguments;
+}
+
+// One copy per session: the first keeps running, a later one opens the
+// first one's gallery and leaves.
+void handOverToRunningCopy() {
+    printDiagnostic(AppControl::openGalleryOfRunningCopy()
+                        ? QStringLiteral("Quillix is already running; its gallery is open.")
+                        : QStringLiteral("Quillix is already running (it did not answer)."));
+}
+
+}  // namespace
+
 int main(int argc, char* argv[]) {
+    // Answered before the application exists: no display, bus or data file.
+    const CommandLine commandLine = CommandLine::parse(argumentsOf(argc, argv));
+    if (commandLine.action() != CommandLine::Action::run) {
+        const bool refused = commandLine.action() == CommandLine::Action::refuse;
+        print(refused ? stderr : stdout, commandLine.text());
+        return commandLine.exitStatus();
+    }
+
     // The icons live in the core library's resources, which a static library
     // does not register by itself.
     Q_INIT_RESOURCE(quillix);
@@ -17,6 +54,11 @@ int main(int argc, char* argv[]) {
     // A tray-resident program: closing its last window does not end it.
     QApplication::setQuitOnLastWindowClosed(false);
 
+    if (AppControl::claimName() == AppControl::Instance::alreadyRunning) {
+        handOverToRunningCopy();
+        return 0;
+    }
+
     // A session ending (SIGTERM) or Ctrl+C quits cleanly.
     quitOnTerminationSignals();
 
@@ -26,5 +68,6 @@ int main(int argc, char* argv[]) {
         delegate.applicationDidFinishLaunching();
         control.publish();
     });
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    return status;
 }
