@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QThreadPool>
 #include <QTimer>
 #include <cstdio>
 
@@ -7,6 +8,7 @@
 #include "app/command_line.h"
 #include "app/diagnostics.h"
 #include "app/quit_on_signal.h"
+#include "platform/notification_attachment.h"
 
 namespace {
 
@@ -61,6 +63,8 @@ int main(int argc, char* argv[]) {
 
     // A session ending (SIGTERM) or Ctrl+C quits cleanly.
     quitOnTerminationSignals();
+    // Notification pictures that a crashed run left in the temporary folder.
+    QThreadPool::globalInstance()->start(&NotificationAttachments::removeLeftoversOfEndedRuns);
 
     AppDelegate delegate;
     AppControl control(delegate);
@@ -69,5 +73,8 @@ int main(int argc, char* argv[]) {
         control.publish();
     });
     const int status = QApplication::exec();
+
+    // Popups still on screen lose their pictures; none stays behind.
+    NotificationAttachments::shared().removeAll();
     return status;
 }
