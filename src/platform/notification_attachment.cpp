@@ -5,10 +5,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QImageWriter>
 #include <QRegularExpression>
 #include <QUuid>
+#include <QtEndian>
 #include <cerrno>
 #include <csignal>
 
@@ -35,13 +35,38 @@ bool processRuns(pid_t pid) {
     return ::kill(pid, 0) == 0 || errno == EPERM;
 }
 
-// The process that wrote `path` as one of our attachments; 0 for any
-// other file.
+// The process that wrote `path` as one of our attachments; 0 for any other
+// file. Walks the PNG's chunks up to the image data, reading a few hundred
+// bytes; another program's file, however damaged, is only ever read.
 pid_t writerOf(const QString& path) {
-    QImageReader reader(path, "png");
-    bool isNumber = false;
-    const qint64 pid = reader.text(kWriterKey).toLongLong(&isNumber);
-    return isNumber && pid > 0 ? static_cast<pid_t>(pid) : 0;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.read(8) != QByteArray("\x89PNG\r\n\x1a\n", 8)) {
+        return 0;
+    }
+    const QByteArray wanted = kWriterKey.toLatin1() + '\0';
+    constexpr qint64 kLargestTextChunk = 4096;
+    for (;;) {
+        const QByteArray header = file.read(8);
+        if (header.size() != 8) {
+            return 0;
+        }
+        const qint64 length = qFromBigEndian<quint32>(header.constData());
+        const QByteArray type = header.mid(4);
+        if (type == "IDAT" || type == "IEND") {
+            return 0;  // text entries that matter come before the image
+        }
+        if (type == "tEXt" && length <= kLargestTextChunk) {
+            const QByteArray text = file.read(length);
+            if (text.startsWith(wanted)) {
+                bool isNumber = false;
+                const qint64 pid = text.mid(wanted.size()).toLongLong(&isNumber);
+                return isNumber && pid > 0 ? static_cast<pid_t>(pid) : 0;
+            }
+            file.skip(4);  // the chunk's checksum
+        } else if (file.skip(length + 4) != length + 4) {
+            return 0;
+        }
+    }
 }
 
 }  // namespace

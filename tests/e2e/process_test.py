@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """The program as a process: held hotkeys, a second copy, the command line,
 hotkey failure lines, notification attachments and keyboard-layout switches."""
+import ctypes
 import glob
 import os
 import re
@@ -43,6 +44,20 @@ def hold(combination, seconds, while_held=None):
 
 def popover_shown():
     return bool(viewable_windows(POPOVER))
+
+
+def lock_layout_group(group):
+    """Switches the keyboard to another layout of its keymap, as a desktop's
+    layout menu does."""
+    xlib = ctypes.CDLL("libX11.so.6")
+    xlib.XOpenDisplay.restype = ctypes.c_void_p
+    xlib.XOpenDisplay.argtypes = [ctypes.c_char_p]
+    xlib.XkbLockGroup.argtypes = [ctypes.c_void_p, ctypes.c_uint, ctypes.c_uint]
+    xlib.XCloseDisplay.argtypes = [ctypes.c_void_p]
+    display = xlib.XOpenDisplay(None)
+    use_core_keyboard = 0x100
+    assert xlib.XkbLockGroup(display, use_core_keyboard, group)
+    xlib.XCloseDisplay(display)
 
 
 class HeldHotkeys(unittest.TestCase):
@@ -151,19 +166,28 @@ class RunningCopy(unittest.TestCase):
         wait_until(lambda: not popover_shown(), what="the popover to close")
 
     def test_the_header_key_label_follows_a_layout_switch(self):
-        call_app("TogglePopover")
+        call_app("ShowPopover")
         wait_until(popover_shown, what="the popover")
         try:
             wait_until(lambda: is_shown("2"), what="the area key labelled 2")
-            # On a French keyboard the "2" key types é.
+            # On a French keyboard the "2" key types é: a new keymap, then a
+            # switch between the two layouts of one keymap.
             subprocess.run(["setxkbmap", "fr"], check=True)
-            wait_until(lambda: is_shown("É"), what="the area key labelled É")
-            self.assertFalse(is_shown("2"))
-            subprocess.run(["setxkbmap", "us"], check=True)
-            wait_until(lambda: is_shown("2"), what="the area key labelled 2 again")
+            wait_until(lambda: is_shown("É") and not is_shown("2"), what="the label É")
+            subprocess.run(["setxkbmap", "-layout", "us,fr"], check=True)
+            wait_until(lambda: is_shown("2"), what="the label 2 of the first layout")
+            lock_layout_group(1)
+            wait_until(lambda: is_shown("É"), what="the label É of the second layout")
+            lock_layout_group(0)
+            wait_until(lambda: is_shown("2"), what="the label 2 again")
         finally:
             subprocess.run(["setxkbmap", "us"], check=True)
             call_app("TogglePopover")
+
+
+def displayed_notifications():
+    return int(subprocess.run(["dunstctl", "count", "displayed"], capture_output=True,
+                              text=True).stdout or 0)
 
 
 class NotificationAttachments(unittest.TestCase):
@@ -173,14 +197,14 @@ class NotificationAttachments(unittest.TestCase):
         self.temporary = os.path.join(self.home.root, "tmp")
         os.makedirs(self.temporary)
         self.home.env["TMPDIR"] = self.temporary
-        self.viewer = subprocess.Popen(["xclock", "-geometry", "200x200+300+150"])
+        self.clock = subprocess.Popen(["xclock", "-geometry", "200x200+300+150"])
         self.window = subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--class",
                                       "xclock"], capture_output=True, text=True,
                                      check=True).stdout.split()[0]
         self.app = None
 
     def tearDown(self):
-        self.viewer.terminate()
+        self.clock.terminate()
         try:
             if self.app:
                 self.app.stop_cleanly()
@@ -191,86 +215,63 @@ class NotificationAttachments(unittest.TestCase):
         return sorted(name for name in os.listdir(self.temporary) if ATTACHMENT.match(name))
 
     def capture_with_notification(self):
-        before = set(self.attachments())
-        displayed = int(subprocess.run(["dunstctl", "count", "displayed"], capture_output=True,
-                                       text=True).stdout or 0)
+        before, shown = set(self.attachments()), displayed_notifications()
         self.assertIsNotNone(call_app("CaptureWindow", f"uint32:{self.window}"))
-        wait_until(lambda: int(subprocess.run(["dunstctl", "count", "displayed"],
-                                              capture_output=True, text=True).stdout or 0)
-                   > displayed, what="the notification")
+        wait_until(lambda: displayed_notifications() > shown, what="the notification")
         new = set(self.attachments()) - before
         self.assertEqual(len(new), 1, self.attachments())
         return new.pop()
 
-    def test_attachments_go_when_their_notification_closes_and_at_quit(self):
-        self.app = start_app(self.home)
-        first = self.capture_with_notification()
-        subprocess.run(["dunstctl", "close-all"], check=True)
-        wait_until(lambda: first not in self.attachments(), what="the closed one's attachment")
-
-        shown = self.capture_with_notification()
-        time.sleep(0.2)
-        self.assertEqual(self.attachments(), [shown])
-        self.app.stop_cleanly()
-        self.app = None
-        self.assertEqual(self.attachments(), [])
-
-    def test_a_crashed_runs_attachments_go_at_the_next_start_and_others_stay(self):
+    def test_pictures_go_with_their_popup_at_quit_and_after_a_crash(self):
         strangers = ["0A0A0A0A-0000-4000-8000-000000000000.png", "notes.png"]
         for name in strangers:
             with open(os.path.join(self.temporary, name), "wb") as other:
                 other.write(b"\x89PNG\r\n\x1a\nnot ours")
         self.app = start_app(self.home)
-        left = self.capture_with_notification()
-        self.app.process.kill()
-        self.app.process.wait()
-        self.app.log.close()
-        self.assertIn(left, self.attachments())
+        closed = self.capture_with_notification()
+        subprocess.run(["dunstctl", "close-all"], check=True)
+        wait_until(lambda: closed not in self.attachments(), what="the closed popup's picture")
 
+        left = self.capture_with_notification()
+        self.app.process.kill()  # a crash: nothing is cleaned up
+        self.app.stop()
+        self.assertEqual(self.attachments(), sorted([left, strangers[0]]))
         self.app = start_app(self.home)
-        wait_until(lambda: left not in self.attachments(), what="the crashed run's attachment")
-        self.assertEqual(sorted(os.listdir(self.temporary)), sorted(strangers))
+        wait_until(lambda: left not in self.attachments(), what="the crashed run's picture")
+
+        # Captures within one second share a name, and dunst folds a popup
+        # that repeats one on screen into it.
+        subprocess.run(["dunstctl", "close-all"], check=True)
+        self.capture_with_notification()
+        self.app.stop_cleanly()
+        self.app = None
+        self.assertEqual(sorted(os.listdir(self.temporary)), strangers)
 
 
 class CommandLine(unittest.TestCase):
-    def setUp(self):
-        self.home = FreshHome()
-        self.env = dict(self.home.env)
-        for name in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY"):
-            self.env.pop(name, None)
+    def test_help_version_and_refusals_need_no_display_and_write_nothing(self):
+        home = FreshHome()
+        self.addCleanup(home.cleanup)
+        env = {name: value for name, value in home.env.items()
+               if name not in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY")}
 
-    def tearDown(self):
-        self.home.cleanup()
+        def run(*arguments):
+            return subprocess.run([BINARY, *arguments], env=env, capture_output=True, text=True,
+                                  timeout=20, stdin=subprocess.DEVNULL)
 
-    def run_with(self, *arguments):
-        return subprocess.run([BINARY, *arguments], env=self.env, capture_output=True,
-                              text=True, timeout=20, stdin=subprocess.DEVNULL)
-
-    def assert_nothing_written(self):
-        for folder in (self.home.data, self.home.config):
-            self.assertEqual(os.listdir(folder), [] if folder == self.home.data else
-                             ["user-dirs.dirs"])
-
-    def test_help_and_version_print_and_exit_without_a_display(self):
-        help_run = self.run_with("--help")
-        self.assertEqual(help_run.returncode, 0, help_run.stderr)
-        self.assertIn("Quillix", help_run.stdout)
-        self.assertIn("--version", help_run.stdout)
-        self.assertEqual(help_run.stderr, "")
-
-        version = self.run_with("--version")
-        self.assertEqual(version.returncode, 0, version.stderr)
-        self.assertEqual(version.stdout, "Quillix 1.0.0\n")
-        self.assert_nothing_written()
-
-    def test_unknown_options_are_refused_with_one_line(self):
+        usage = run("--help")
+        self.assertEqual((usage.returncode, usage.stderr), (0, ""))
+        self.assertIn("Quillix", usage.stdout)
+        self.assertIn("--version", usage.stdout)
+        version = run("--version")
+        self.assertEqual((version.returncode, version.stdout), (0, "Quillix 1.0.0\n"))
         for arguments in (["--frobnicate"], ["-x"], ["extra"], ["--help", "--bogus"]):
-            refused = self.run_with(*arguments)
-            self.assertEqual(refused.returncode, 2, arguments)
-            self.assertEqual(refused.stdout, "")
+            refused = run(*arguments)
+            self.assertEqual((refused.returncode, refused.stdout), (2, ""), arguments)
             self.assertEqual(len(refused.stderr.splitlines()), 1, refused.stderr)
-            self.assertIn(arguments[-1], refused.stderr)
-        self.assert_nothing_written()
+            self.assertIn(f"'{arguments[-1]}'", refused.stderr)
+        self.assertEqual(os.listdir(home.data), [])
+        self.assertEqual(os.listdir(home.config), ["user-dirs.dirs"])
 
 
 if __name__ == "__main__":

@@ -214,27 +214,6 @@ TEST(NotificationAttachment, NullImageOrMissingTemporaryFolderGivesNoFile) {
     EXPECT_EQ(QDir(workingFolder).entryList(QDir::Files), before);
 }
 
-TEST(NotificationAttachment, RemoveAllAtQuitLeavesNothingAndWritesNoMore) {
-    TestFolder folder;
-    const TemporaryFolderOverride override(folder.path());
-    QImage image(16, 16, QImage::Format_RGB32);
-    image.fill(Qt::yellow);
-    NotificationAttachments attachments;
-    const QString first = attachments.write(image);
-    const QString second = attachments.write(image);
-    const QString stranger = folder.path(QStringLiteral("stranger.png"));
-    writeFileBytes(stranger, "\x89PNG");
-    attachments.remove(stranger);  // not one of ours
-    attachments.remove(first);
-    EXPECT_FALSE(QFileInfo::exists(first));
-    EXPECT_TRUE(QFileInfo::exists(second));
-
-    attachments.removeAll();
-    EXPECT_FALSE(QFileInfo::exists(second));
-    EXPECT_EQ(attachments.write(image), QString());
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{"stranger.png"});
-}
-
 // A child process writes an attachment, as a run of the program would: while
 // it runs its file stays, once it has ended without cleaning up the file goes.
 // Files that only look like attachments are never touched.
