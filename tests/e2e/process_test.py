@@ -60,54 +60,13 @@ def lock_layout_group(group):
     xlib.XCloseDisplay(display)
 
 
-class HeldHotkeys(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        settings = subprocess.run(["xset", "q"], capture_output=True, text=True).stdout
-        assert re.search(r"auto repeat:\s+on", settings), "the X server must repeat held keys"
-        cls.home = FreshHome()
-        cls.app = start_app(cls.home)
-
-    @classmethod
-    def tearDownClass(cls):
-        try:
-            cls.app.stop_cleanly()
-        finally:
-            cls.home.cleanup()
-
-    def test_holding_the_area_key_opens_one_editor_and_a_new_press_the_next(self):
-        hold("super+2", 1.5)
-        wait_until(lambda: viewable_windows(OVERLAY), what="the area editor")
-        time.sleep(0.8)  # the shell waits 0.55 s before each editor opens
-        self.assertEqual(len(viewable_windows(OVERLAY)), 1)
-        xdotool("key", "Escape")
-        wait_until(lambda: not viewable_windows(OVERLAY), what="the editor to close")
-
-        # A real release followed by a new press is a new press.
-        xdotool("key", "super+2")
-        wait_until(lambda: viewable_windows(OVERLAY), what="the next area editor")
-        xdotool("key", "Escape")
-        wait_until(lambda: not viewable_windows(OVERLAY), what="the editor to close")
-
-    def test_holding_the_open_menu_key_toggles_the_popover_once(self):
-        self.assertFalse(popover_shown())
-        samples = []
-        hold("super+shift+1", 1.5, lambda: samples.append(popover_shown()))
-        wait_until(popover_shown, what="the popover")
-        time.sleep(0.2)
-        # Once open it stays open: no flicker while the keys are down.
-        first_shown = samples.index(True) if True in samples else len(samples)
-        self.assertNotIn(False, samples[first_shown:])
-        self.assertTrue(popover_shown())
-        xdotool("key", "super+shift+1")
-        wait_until(lambda: not popover_shown(), what="the popover to close")
-
-
 class RunningCopy(unittest.TestCase):
     """One running program, with Super+6 held by another program."""
 
     @classmethod
     def setUpClass(cls):
+        settings = subprocess.run(["xset", "q"], capture_output=True, text=True).stdout
+        assert re.search(r"auto repeat:\s+on", settings), "the X server must repeat held keys"
         cls.home = FreshHome()
         cls.holder = KeyGrabHolder("6", "super")
         cls.app = start_app(cls.home)
@@ -121,6 +80,31 @@ class RunningCopy(unittest.TestCase):
         finally:
             subprocess.run(["setxkbmap", "us"], check=True)
             cls.home.cleanup()
+
+    def test_holding_the_area_key_opens_one_editor_and_a_new_press_the_next(self):
+        hold("super+2", 1.5)
+        wait_until(lambda: viewable_windows(OVERLAY), what="the area editor")
+        time.sleep(0.8)  # the shell waits 0.55 s before each editor opens
+        self.assertEqual(len(viewable_windows(OVERLAY)), 1)
+        xdotool("key", "Escape")
+        wait_until(lambda: not viewable_windows(OVERLAY), what="the editor to close")
+        # A real release followed by a new press is a new press.
+        xdotool("key", "super+2")
+        wait_until(lambda: viewable_windows(OVERLAY), what="the next area editor")
+        xdotool("key", "Escape")
+        wait_until(lambda: not viewable_windows(OVERLAY), what="the editor to close")
+
+    def test_holding_the_open_menu_key_toggles_the_popover_once(self):
+        self.assertFalse(popover_shown())
+        samples = []
+        hold("super+shift+1", 1.5, lambda: samples.append(popover_shown()))
+        wait_until(popover_shown, what="the popover")
+        # Once open it stays open: no flicker while the keys are down.
+        self.assertNotIn(False, samples[samples.index(True):] if True in samples else [])
+        time.sleep(0.2)
+        self.assertTrue(popover_shown())
+        xdotool("key", "super+shift+1")
+        wait_until(lambda: not popover_shown(), what="the popover to close")
 
     def data_files(self):
         found = {}
