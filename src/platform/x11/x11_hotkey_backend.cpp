@@ -82,8 +82,10 @@ std::unique_ptr<X11HotkeyBackend> X11HotkeyBackend::create(xcb_connection_t* con
 }
 
 std::unique_ptr<X11HotkeyBackend> X11HotkeyBackend::createForApplication() {
+    // Not qGuiApp: the running application may be a plain QCoreApplication.
+    const auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
     const auto* x11 =
-        qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+        application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     xcb_connection_t* connection = x11 ? x11->connection() : nullptr;
     if (connection == nullptr) {
         return nullptr;

@@ -34,8 +34,10 @@ struct XkbEventHeader {
 };
 
 bool isApplicationConnection(xcb_connection_t* connection) {
+    // Not qGuiApp: the running application may be a plain QCoreApplication.
+    const auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
     const auto* x11 =
-        qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+        application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     return x11 != nullptr && x11->connection() == connection;
 }
 
