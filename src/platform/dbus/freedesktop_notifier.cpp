@@ -59,11 +59,12 @@ FreedesktopNotifier::FreedesktopNotifier(const QDBusConnection& bus, QObject* pa
     if (!bus_.isConnected()) {
         return;
     }
-    // The bus routes these to us by their sender's well-known name, also
-    // when the service starts or restarts later.
-    bus_.connect(kService, kPath, kInterface, QStringLiteral("ActionInvoked"), this,
+    // From any sender: naming the service here would make Qt look up its
+    // owner there and then, blocking on a slow bus. Only the notification
+    // server sends these, and only ids it gave us count.
+    bus_.connect(QString(), kPath, kInterface, QStringLiteral("ActionInvoked"), this,
                  SLOT(onActionInvoked(uint, QString)));
-    bus_.connect(kService, kPath, kInterface, QStringLiteral("NotificationClosed"), this,
+    bus_.connect(QString(), kPath, kInterface, QStringLiteral("NotificationClosed"), this,
                  SLOT(onNotificationClosed(uint, uint)));
     serviceWatcher_ =
         new QDBusServiceWatcher(kService, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
