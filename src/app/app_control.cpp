@@ -3,6 +3,9 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusReply>
 #include <optional>
 
 #include "app/app_delegate.h"
@@ -11,6 +14,12 @@
 #include "storage/user_settings.h"
 
 namespace {
+
+const QString kServiceName = QStringLiteral("org.quillix.Quillix");
+const QString kObjectPath = QStringLiteral("/org/quillix/Quillix");
+// A copy that does not answer within this time is busy or hung; the new
+// one leaves all the same.
+constexpr int kRunningCopyTimeoutMs = 5000;
 
 QRect globalRect(const QWidget* widget, const QRect& local) {
     return QRect(widget->mapToGlobal(local.topLeft()), local.size());
@@ -63,12 +72,36 @@ std::optional<QRect> locateControl(const QString& name) {
 AppControl::AppControl(AppDelegate& delegate, QObject* parent)
     : QObject(parent), delegate_(delegate) {}
 
+AppControl::Instance AppControl::claimName() {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    QDBusConnectionInterface* daemon = bus.isConnected() ? bus.interface() : nullptr;
+    if (daemon == nullptr) {
+        return Instance::unknown;
+    }
+    // Not queued: of two copies started at once, exactly one gets the name.
+    const QDBusReply<QDBusConnectionInterface::RegisterServiceReply> reply =
+        daemon->registerService(kServiceName, QDBusConnectionInterface::DontQueueService,
+                                QDBusConnectionInterface::DontAllowReplacement);
+    if (!reply.isValid()) {
+        return Instance::unknown;
+    }
+    return reply.value() == QDBusConnectionInterface::ServiceRegistered ? Instance::first
+                                                                        : Instance::alreadyRunning;
+}
+
+bool AppControl::openGalleryOfRunningCopy() {
+    const QDBusMessage call = QDBusMessage::createMethodCall(
+        kServiceName, kObjectPath, kServiceName, QStringLiteral("ShowPopover"));
+    const QDBusMessage reply =
+        QDBusConnection::sessionBus().call(call, QDBus::Block, kRunningCopyTimeoutMs);
+    return reply.type() == QDBusMessage::ReplyMessage;
+}
+
 bool AppControl::publish() {
     QDBusConnection bus = QDBusConnection::sessionBus();
     return bus.isConnected() &&
-           bus.registerObject(QStringLiteral("/org/quillix/Quillix"), this,
-                              QDBusConnection::ExportScriptableSlots) &&
-           bus.registerService(QStringLiteral("org.quillix.Quillix"));
+           bus.registerObject(kObjectPath, this, QDBusConnection::ExportScriptableSlots) &&
+           bus.registerService(kServiceName);
 }
 
 void AppControl::CaptureWindow(uint windowId) {
@@ -77,6 +110,12 @@ void AppControl::CaptureWindow(uint windowId) {
 
 void AppControl::TogglePopover() {
     delegate_.togglePopover();
+}
+
+void AppControl::ShowPopover() {
+    if (!delegate_.isPopoverShown()) {
+        delegate_.togglePopover();
+    }
 }
 
 bool AppControl::IsPopoverShown() const {

@@ -16,13 +16,29 @@ class AppControl : public QObject {
 public:
     explicit AppControl(AppDelegate& delegate, QObject* parent = nullptr);
 
-    // False when the bus is missing or another instance holds the name.
+    // Which copy of the program this process is on the session bus.
+    enum class Instance {
+        first,           // it now holds "org.quillix.Quillix"
+        alreadyRunning,  // another process holds the name
+        unknown,         // there is no bus to ask
+    };
+    // Claims the bus name. Called before anything else is built, so that a
+    // second copy leaves without a tray icon, a hotkey or a data file.
+    static Instance claimName();
+    // Asks the copy that holds the name to open its gallery; false when it
+    // did not answer.
+    static bool openGalleryOfRunningCopy();
+
+    // Serves the interface; false when the bus is missing or another
+    // instance holds the name.
     bool publish();
 
 public Q_SLOTS:
     // Captures the X11 window with this id into the save folder.
     Q_SCRIPTABLE void CaptureWindow(uint windowId);
     Q_SCRIPTABLE void TogglePopover();
+    // Opens the popover; leaves it open when it already is.
+    Q_SCRIPTABLE void ShowPopover();
     Q_SCRIPTABLE bool IsPopoverShown() const;
     // File names of the capture library's list, newest first.
     Q_SCRIPTABLE QStringList ListedFiles() const;

@@ -1,12 +1,51 @@
 #include <QApplication>
+#include <QThreadPool>
 #include <QTimer>
+#include <cstdio>
 
 #include "app/app_control.h"
 #include "app/app_delegate.h"
+#include "app/command_line.h"
+#include "app/diagnostics.h"
 #include "app/quit_on_signal.h"
 #include "capture/captures_in_flight.h"
+#include "platform/notification_attachment.h"
+
+namespace {
+
+void print(std::FILE* stream, const QString& text) {
+    const QByteArray utf8 = text.toUtf8();
+    std::fwrite(utf8.constData(), 1, static_cast<size_t>(utf8.size()), stream);
+    std::fflush(stream);
+}
+
+QStringList argumentsOf(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int index = 1; index < argc; ++index) {
+        arguments.append(QString::fromLocal8Bit(argv[index]));
+    }
+    return arguments;
+}
+
+// One copy per session: the first keeps running, a later one opens the
+// first one's gallery and leaves.
+void handOverToRunningCopy() {
+    printDiagnostic(AppControl::openGalleryOfRunningCopy()
+                        ? QStringLiteral("Quillix is already running; its gallery is open.")
+                        : QStringLiteral("Quillix is already running (it did not answer)."));
+}
+
+}  // namespace
 
 int main(int argc, char* argv[]) {
+    // Answered before the application exists: no display, bus or data file.
+    const CommandLine commandLine = CommandLine::parse(argumentsOf(argc, argv));
+    if (commandLine.action() != CommandLine::Action::run) {
+        const bool refused = commandLine.action() == CommandLine::Action::refuse;
+        print(refused ? stderr : stdout, commandLine.text());
+        return commandLine.exitStatus();
+    }
+
     // The icons live in the core library's resources, which a static library
     // does not register by itself.
     Q_INIT_RESOURCE(quillix);
@@ -18,8 +57,15 @@ int main(int argc, char* argv[]) {
     // A tray-resident program: closing its last window does not end it.
     QApplication::setQuitOnLastWindowClosed(false);
 
+    if (AppControl::claimName() == AppControl::Instance::alreadyRunning) {
+        handOverToRunningCopy();
+        return 0;
+    }
+
     // A session ending (SIGTERM) or Ctrl+C quits cleanly.
     quitOnTerminationSignals();
+    // Notification pictures that a crashed run left in the temporary folder.
+    QThreadPool::globalInstance()->start(&NotificationAttachments::removeLeftoversOfEndedRuns);
 
     AppDelegate delegate;
     AppControl control(delegate);
@@ -31,5 +77,7 @@ int main(int argc, char* argv[]) {
     // A capture saved just before the quit (a logout's SIGTERM right after
     // Return) still gets its follow-up, so it stays in the gallery.
     waitForCapturesInFlight();
+    // Popups still on screen lose their pictures; none stays behind.
+    NotificationAttachments::shared().removeAll();
     return status;
 }

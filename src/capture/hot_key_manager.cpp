@@ -20,8 +20,19 @@ constexpr std::array<std::pair<quint32, HotkeyAction>, 6> kRegisteredActions{{
     {HotKeyManager::kRecordScreenId, HotkeyAction::recordScreen},
 }};
 
+// The X error code for a combination that another client grabbed first.
+constexpr int kBadAccessStatus = 10;
+
 bool fitsUnsigned32(qint64 value) {
     return value >= 0 && value <= static_cast<qint64>(std::numeric_limits<quint32>::max());
+}
+
+// What a grab sees of a binding: its key and the four known modifiers.
+bool sameCombination(const HotkeyBinding& first, const HotkeyBinding& second) {
+    constexpr qint64 known = HotkeyBinding::kCommand | HotkeyBinding::kShift |
+                             HotkeyBinding::kOption | HotkeyBinding::kControl;
+    return first.keyCode == second.keyCode &&
+           (first.modifiers & known) == (second.modifiers & known);
 }
 
 }  // namespace
@@ -48,9 +59,9 @@ void HotKeyManager::registerAll() {
 }
 
 void HotKeyManager::unregisterAll() {
-    if (!registeredIds_.isEmpty()) {
+    if (!registered_.isEmpty()) {
         backend_.ungrabAll();
-        registeredIds_.clear();
+        registered_.clear();
     }
     if (pressHandler_) {
         disconnect(pressHandler_);
@@ -62,6 +73,7 @@ void HotKeyManager::unregisterAll() {
 // settings file; it fails like any other registration instead of stopping
 // the program.
 void HotKeyManager::registerHotkey(quint32 keyCode, qint64 modifiers, quint32 id) {
+    const HotkeyBinding binding{keyCode, modifiers};
     const int status = fitsUnsigned32(modifiers)
                            ? backend_.grab(id, keyCode, static_cast<quint32>(modifiers))
                            : kInvalidMaskStatus;
@@ -69,12 +81,28 @@ void HotKeyManager::registerHotkey(quint32 keyCode, qint64 modifiers, quint32 id
         printDiagnostic(QStringLiteral("⚠️ Quillix: failed to register hotkey id %1, error %2")
                             .arg(id)
                             .arg(status));
+        printDiagnostic(QStringLiteral("⚠️ Quillix: %1 %2")
+                            .arg(displayString(binding), failureReason(binding, status)));
         return;
     }
-    registeredIds_.append(id);
+    registered_.append({id, binding});
     printDiagnostic(QStringLiteral("✅ Quillix: hotkey %1 registered (id %2)")
-                        .arg(displayString(HotkeyBinding{keyCode, modifiers}))
+                        .arg(displayString(binding))
                         .arg(id));
+}
+
+// A combination is refused either because it is taken (by another program,
+// or by one of our own earlier ids) or because X cannot grab it at all.
+QString HotKeyManager::failureReason(const HotkeyBinding& binding, int status) const {
+    if (status != kBadAccessStatus) {
+        return QStringLiteral("cannot be used as a global hotkey");
+    }
+    for (const auto& [id, registered] : registered_) {
+        if (sameCombination(registered, binding)) {
+            return QStringLiteral("is already used by hotkey id %1").arg(id);
+        }
+    }
+    return QStringLiteral("is already held by another program");
 }
 
 void HotKeyManager::dispatch(quint32 id) const {

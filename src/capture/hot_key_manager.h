@@ -4,6 +4,9 @@
 #include <QMetaObject>
 #include <QObject>
 #include <functional>
+#include <utility>
+
+#include "storage/hotkey_binding.h"
 
 class HotkeyBackend;
 class UserSettings;
@@ -44,15 +47,16 @@ public:
     // Removes every hotkey and stops listening for presses.
     void unregisterAll();
     // One registration of a stored key code and modifier mask; logs the
-    // outcome.
+    // outcome, and for a failure also which combination failed and why.
     void registerHotkey(quint32 keyCode, qint64 modifiers, quint32 id);
 
 private:
+    QString failureReason(const HotkeyBinding& binding, int status) const;
     void dispatch(quint32 id) const;
     const std::function<void()>* callbackFor(quint32 id) const;
 
     HotkeyBackend& backend_;
     const UserSettings& settings_;
-    QList<quint32> registeredIds_;  // in registration order
+    QList<std::pair<quint32, HotkeyBinding>> registered_;  // by id, in registration order
     QMetaObject::Connection pressHandler_;
 };

@@ -5,6 +5,10 @@
 #include <unistd.h>
 #include <xcb/xcb.h>
 #include <xcb/xcb_keysyms.h>
+// xkb.h names a member "explicit", which C++ reserves.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
 
 #include <QGuiApplication>
 #include <QProcess>
@@ -124,6 +128,52 @@ bool pressKeys(const char* combination) {
                              {QStringLiteral("key"), QLatin1String(combination)}) == 0;
 }
 
+// Holds a combination down for `milliseconds` while events are processed;
+// the X server repeats the key meanwhile.
+bool holdKeys(const char* combination, int milliseconds) {
+    const bool pressed =
+        QProcess::execute(QStringLiteral("xdotool"),
+                          {QStringLiteral("keydown"), QLatin1String(combination)}) == 0;
+    QTest::qWait(milliseconds);
+    return QProcess::execute(QStringLiteral("xdotool"),
+                             {QStringLiteral("keyup"), QLatin1String(combination)}) == 0 &&
+           pressed;
+}
+
+xcb_connection_t* applicationConnection() {
+    return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
+}
+
+// How the X server reports a held key to the application's connection for
+// the lifetime of the object: as repeated presses alone ("detectable"), or
+// as pairs of a release and a press with one time stamp.
+class AutoRepeatReports {
+public:
+    explicit AutoRepeatReports(bool detectable) : saved_(set(detectable)) {}
+    ~AutoRepeatReports() { set(saved_); }
+    AutoRepeatReports(const AutoRepeatReports&) = delete;
+    AutoRepeatReports& operator=(const AutoRepeatReports&) = delete;
+
+private:
+    // Sets the flag and answers its former value.
+    static bool set(bool detectable) {
+        const uint32_t flag = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
+        xcb_connection_t* connection = applicationConnection();
+        xcb_xkb_per_client_flags_reply_t* reply = xcb_xkb_per_client_flags_reply(
+            connection,
+            xcb_xkb_per_client_flags(connection, XCB_XKB_ID_USE_CORE_KBD, flag,
+                                     detectable ? flag : 0, 0, 0, 0),
+            nullptr);
+        EXPECT_NE(reply, nullptr);
+        const bool former = reply != nullptr && (reply->value & flag) != 0;
+        EXPECT_TRUE(reply != nullptr && (reply->supported & flag) != 0);
+        std::free(reply);
+        return former;
+    }
+
+    bool saved_;
+};
+
 // Switches a lock key on for the lifetime of the object.
 class LockKeyOn {
 public:
@@ -151,6 +201,13 @@ QString failureLine(int id, int status) {
         .arg(id)
         .arg(status);
 }
+
+// The line after a failure line: the combination and why it failed.
+QString reasonLine(const char* shortcut, const char* reason) {
+    return QStringLiteral("⚠️ Quillix: %1 %2").arg(QString::fromUtf8(shortcut), reason);
+}
+constexpr const char* kHeldElsewhere = "is already held by another program";
+constexpr const char* kUngrabbable = "cannot be used as a global hotkey";
 
 const QStringList kDefaultRegistrationLines =
     registeredLines({{"⇧⌘1", 1}, {"⇧⌘2", 2}, {"⌘2", 3}, {"⌘3", 4}, {"⌘6", 5}, {"⌘7", 6}});
@@ -225,6 +282,25 @@ TEST_F(HotKeyManagerTest, RealPressesReachTheirCallbacksWhateverTheLocks) {
     EXPECT_EQ(totalCalls(), 6);
 }
 
+// X repeats a held key: whether it reports that as presses alone or as
+// release-and-press pairs, a held combination fires once, and a real release
+// and a new press fire again.
+TEST_F(HotKeyManagerTest, HeldCombinationFiresOnceUntilItIsReleased) {
+    manager->registerAll();
+    for (const bool detectable : {false, true}) {
+        SCOPED_TRACE(detectable ? "presses alone" : "release-and-press pairs");
+        const AutoRepeatReports reports(detectable);
+        calls.clear();
+        ASSERT_TRUE(holdKeys("super+2", 1200));
+        ASSERT_TRUE(holdKeys("super+shift+1", 1200));
+        ASSERT_TRUE(pressReaches("super+7", HotKeyManager::kRecordScreenId));
+        EXPECT_EQ(calls[HotKeyManager::kCaptureAreaId], 1);
+        EXPECT_EQ(calls[HotKeyManager::kOpenMenuId], 1);
+        EXPECT_TRUE(pressReaches("super+2", HotKeyManager::kCaptureAreaId));
+        EXPECT_TRUE(pressReaches("super+2", HotKeyManager::kCaptureAreaId));
+    }
+}
+
 TEST_F(HotKeyManagerTest, CallbacksRunAfterTheNativeDispatchHasReturned) {
     manager->registerAll();
     int callsWhenPressed = -1;
@@ -238,6 +314,7 @@ TEST_F(HotKeyManagerTest, CombinationHeldElsewhereFailsAloneWithBadAccess) {
     ASSERT_EQ(other.grab(XK_6, kSuper), 0);
     QStringList expected = kDefaultRegistrationLines;
     expected[4] = failureLine(5, kBadAccess);
+    expected.insert(5, reasonLine("⌘6", kHeldElsewhere));
     EXPECT_EQ(registerAllLogged(), expected);
 
     // The held key goes to the other client; the following ones still work.
@@ -279,6 +356,7 @@ TEST_F(HotKeyManagerTest, SecondActionOnTheSameCombinationFails) {
                        {18, HotkeyBinding::kShift | HotkeyBinding::kCommand});  // ⇧⌘1
     QStringList expected = kDefaultRegistrationLines;
     expected[1] = failureLine(2, kBadAccess);
+    expected.insert(2, reasonLine("⇧⌘1", "is already used by hotkey id 1"));
     EXPECT_EQ(registerAllLogged(), expected);
 
     ASSERT_TRUE(pressReaches("super+shift+1", HotKeyManager::kOpenMenuId));
@@ -310,8 +388,11 @@ TEST_F(HotKeyManagerTest, UngrabbableBindingsFailWithBadValue) {
     manager->registerHotkey(19, -1, 5);                               // damaged masks
     manager->registerHotkey(19, qint64{1} << 32, 6);
     manager->registerHotkey(19, HotkeyBinding::kCommand, 3);
-    EXPECT_EQ(capture.lines(), QStringList({failureLine(3, 2), failureLine(4, 2), failureLine(5, 2),
-                                            failureLine(6, 2), registeredLines({{"⌘2", 3}})[0]}));
+    EXPECT_EQ(capture.lines(),
+              QStringList({failureLine(3, 2), reasonLine("⌘(52)", kUngrabbable), failureLine(4, 2),
+                           reasonLine("⌘(1300)", kUngrabbable), failureLine(5, 2),
+                           reasonLine("⌃⌥⇧⌘2", kUngrabbable), failureLine(6, 2),
+                           reasonLine("2", kUngrabbable), registeredLines({{"⌘2", 3}})[0]}));
 }
 
 TEST_F(HotKeyManagerTest, UnregisterAndDestructionReleaseEveryGrab) {

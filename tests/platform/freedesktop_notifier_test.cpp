@@ -1,9 +1,13 @@
 #include "platform/dbus/freedesktop_notifier.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <QDBusConnection>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
@@ -153,11 +157,17 @@ public:
         }
     }
     ~BareBus() {
+        resume();
         daemon_.terminate();
         daemon_.waitForFinished(kWaitMs);
     }
 
     QString address() const { return address_; }
+
+    // A stopped daemon takes every message and answers none: the slowest
+    // bus there is.
+    void stall() { ::kill(static_cast<pid_t>(daemon_.processId()), SIGSTOP); }
+    void resume() { ::kill(static_cast<pid_t>(daemon_.processId()), SIGCONT); }
 
 private:
     QProcess daemon_;
@@ -204,13 +214,59 @@ TEST(NotificationAttachment, NullImageOrMissingTemporaryFolderGivesNoFile) {
     EXPECT_EQ(QDir(workingFolder).entryList(QDir::Files), before);
 }
 
+// A child process writes an attachment, as a run of the program would: while
+// it runs its file stays, once it has ended without cleaning up the file goes.
+// Files that only look like attachments are never touched.
+TEST(NotificationAttachment, LeftoversOfEndedRunsGoAndThoseOfRunningOnesStay) {
+    TestFolder folder;
+    const TemporaryFolderOverride override(folder.path());
+    QImage image(16, 16, QImage::Format_RGB32);
+    image.fill(Qt::cyan);
+    const QString lookalike =
+        folder.path(QStringLiteral("0A0A0A0A-0000-4000-8000-000000000000.png"));
+    ASSERT_TRUE(image.save(lookalike, "png"));
+    writeFileBytes(folder.path(QStringLiteral("notes.png")), "\x89PNG");
+
+    int written[2];
+    int mayEnd[2];
+    ASSERT_EQ(::pipe(written), 0);
+    ASSERT_EQ(::pipe(mayEnd), 0);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        NotificationAttachments run;
+        const QByteArray path = run.write(image).toUtf8();
+        [[maybe_unused]] ssize_t io = ::write(written[1], path.constData(), path.size());
+        char go = 0;
+        io = ::read(mayEnd[0], &go, 1);
+        ::_exit(0);  // as a crash would: nothing removed
+    }
+    char buffer[512] = {};
+    const ssize_t length = ::read(written[0], buffer, sizeof buffer - 1);
+    const QString leftover = QString::fromUtf8(buffer, static_cast<int>(qMax<ssize_t>(length, 0)));
+    ASSERT_TRUE(QFileInfo::exists(leftover)) << leftover.toStdString();
+
+    NotificationAttachments::removeLeftoversOfEndedRuns();
+    EXPECT_TRUE(QFileInfo::exists(leftover));
+
+    ASSERT_EQ(::write(mayEnd[1], "x", 1), 1);
+    ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+    NotificationAttachments::removeLeftoversOfEndedRuns();
+    EXPECT_FALSE(QFileInfo::exists(leftover));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files),
+              (QStringList{QFileInfo(lookalike).fileName(), "notes.png"}));
+    for (const int end : {written[0], written[1], mayEnd[0], mayEnd[1]}) {
+        ::close(end);
+    }
+}
+
 TEST(FreedesktopNotifier, IsAuthorisedWhileTheDesktopServesNotifications) {
     if (!inTestDesktop()) {
         GTEST_SKIP() << "needs scripts/with-desktop";
     }
     FreedesktopNotifier notifier;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return notifier.isAuthorised(); }, kWaitMs));
     EXPECT_TRUE(notifier.isAuthorised());
-    EXPECT_TRUE(notifier.isAuthorised());  // the cached answer
 }
 
 TEST(FreedesktopNotifier, PostedNotificationCarriesAppNameSummaryBodyAndImage) {
@@ -243,6 +299,33 @@ TEST(FreedesktopNotifier, PostedNotificationCarriesAppNameSummaryBodyAndImage) {
     EXPECT_EQ(historyField(entry, QStringLiteral("default_action_name")), "default");
     // dunst resolved the image-path hint (a file:// URI) back to the file.
     EXPECT_EQ(historyField(entry, QStringLiteral("icon_path")), imagePath);
+}
+
+TEST(FreedesktopNotifier, AttachmentsGoWhenTheirNotificationsClose) {
+    if (!inTestDesktop()) {
+        GTEST_SKIP() << "needs scripts/with-desktop";
+    }
+    ASSERT_TRUE(closeAllNotifications());
+    TestFolder folder;
+    const TemporaryFolderOverride override(folder.path());
+    QImage image(32, 24, QImage::Format_RGB32);
+    image.fill(Qt::darkMagenta);
+    const QString closedByUser = writeNotificationAttachment(image);
+    const QString stillShown = writeNotificationAttachment(image);
+    ASSERT_TRUE(QFileInfo::exists(closedByUser) && QFileInfo::exists(stillShown));
+
+    FreedesktopNotifier notifier;
+    notifier.post(QStringLiteral("Screenshot saved"), freshCaptureName(), closedByUser);
+    ASSERT_TRUE(QTest::qWaitFor([] { return displayedNotifications() == 1; }, kWaitMs));
+    ASSERT_TRUE(closeAllNotifications());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !QFileInfo::exists(closedByUser); }, kWaitMs));
+
+    notifier.post(QStringLiteral("Screenshot saved"), freshCaptureName(), stillShown);
+    ASSERT_TRUE(QTest::qWaitFor([] { return displayedNotifications() == 1; }, kWaitMs));
+    QTest::qWait(200);
+    EXPECT_TRUE(QFileInfo::exists(stillShown));
+    ASSERT_TRUE(closeAllNotifications());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !QFileInfo::exists(stillShown); }, kWaitMs));
 }
 
 TEST(FreedesktopNotifier, NotificationWithoutImageIsPostedToo) {
@@ -326,10 +409,17 @@ TEST(FreedesktopNotifier, PrivateBusWithoutNotificationServiceIsNotAuthorised) {
     {
         FreedesktopNotifier notifier(connection);
         QSignalSpy activated(&notifier, &Notifier::activated);
+        QTest::qWait(200);  // time for the bus's answer
         EXPECT_FALSE(notifier.isAuthorised());
-        // The bus answers Notify with an error; that must go by quietly.
-        notifier.post(QStringLiteral("Screenshot saved"), freshCaptureName(), QString());
-        QTest::qWait(300);
+        // The bus answers Notify with an error; that must go by quietly, and
+        // the picture nobody will show goes at once.
+        const TemporaryFolderOverride override(folder.path());
+        QImage image(8, 8, QImage::Format_RGB32);
+        image.fill(Qt::red);
+        const QString attachment = writeNotificationAttachment(image);
+        ASSERT_TRUE(QFileInfo::exists(attachment));
+        notifier.post(QStringLiteral("Screenshot saved"), freshCaptureName(), attachment);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !QFileInfo::exists(attachment); }, kWaitMs));
         EXPECT_EQ(activated.count(), 0);
 
         // A service that appears later is noticed.
@@ -342,6 +432,35 @@ TEST(FreedesktopNotifier, PrivateBusWithoutNotificationServiceIsNotAuthorised) {
         QDBusConnection::disconnectFromBus(QStringLiteral("server"));
     }
     QDBusConnection::disconnectFromBus(QStringLiteral("bare"));
+}
+
+// While the bus answers nothing, making a notifier, asking it and posting
+// all come back at once; the bus's answer is taken when it comes.
+TEST(FreedesktopNotifier, NeverWaitsForAStalledBus) {
+    TestFolder folder;
+    BareBus bus(folder.path());
+    ASSERT_FALSE(bus.address().isEmpty()) << "dbus-daemon did not start";
+    const QDBusConnection connection =
+        QDBusConnection::connectToBus(bus.address(), QStringLiteral("stalled"));
+    QDBusConnection server = QDBusConnection::connectToBus(bus.address(), QStringLiteral("server"));
+    ASSERT_TRUE(server.registerService(QStringLiteral("org.freedesktop.Notifications")));
+    {
+        bus.stall();
+        QElapsedTimer elapsed;
+        elapsed.start();
+        FreedesktopNotifier notifier(connection);
+        for (int capture = 0; capture < 3; ++capture) {
+            EXPECT_FALSE(notifier.isAuthorised());  // no answer yet
+            notifier.post(QStringLiteral("Screenshot saved"), freshCaptureName(), QString());
+        }
+        // Waiting for the bus would take its time-out (seconds); none of
+        // this needs more than microseconds.
+        EXPECT_LT(elapsed.elapsed(), 500);
+        bus.resume();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return notifier.isAuthorised(); }, kWaitMs));
+    }
+    QDBusConnection::disconnectFromBus(QStringLiteral("server"));
+    QDBusConnection::disconnectFromBus(QStringLiteral("stalled"));
 }
 
 TEST(FreedesktopNotifier, WithoutAnyBusNothingIsPostedAndNothingBreaks) {

@@ -5,8 +5,11 @@
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
 #include <QStringList>
+#include <QThreadPool>
 #include <QUrl>
 #include <QVariantMap>
+
+#include "platform/notification_attachment.h"
 
 namespace {
 
@@ -16,11 +19,6 @@ const QString kInterface = QStringLiteral("org.freedesktop.Notifications");
 const QString kApplicationName = QStringLiteral("Quillix");
 const QString kDefaultAction = QStringLiteral("default");
 
-// isAuthorised() is asked once per capture; the answer may be this old.
-constexpr qint64 kAuthorisationCacheMs = 2000;
-// The bus daemon itself answers these; it is local and quick, and a daemon
-// that does not answer within this time counts as "no service".
-constexpr int kBusQueryTimeoutMs = 1000;
 // The server's own choice of how long a popup stays.
 constexpr int kServerDefaultExpiry = -1;
 
@@ -43,6 +41,14 @@ QVariantMap notificationHints(const QString& imagePath) {
     return hints;
 }
 
+// Off the GUI thread: the temporary folder may sit on a slow disk.
+void removeAttachment(const QString& path) {
+    if (!path.isEmpty()) {
+        QThreadPool::globalInstance()->start(
+            [path] { NotificationAttachments::shared().remove(path); });
+    }
+}
+
 }  // namespace
 
 FreedesktopNotifier::FreedesktopNotifier(QObject* parent)
@@ -53,43 +59,58 @@ FreedesktopNotifier::FreedesktopNotifier(const QDBusConnection& bus, QObject* pa
     if (!bus_.isConnected()) {
         return;
     }
-    // The bus routes these to us by their sender's well-known name, also
-    // when the service starts or restarts later.
-    bus_.connect(kService, kPath, kInterface, QStringLiteral("ActionInvoked"), this,
+    // From any sender: naming the service here would make Qt look up its
+    // owner there and then, blocking on a slow bus. Only the notification
+    // server sends these, and only ids it gave us count.
+    bus_.connect(QString(), kPath, kInterface, QStringLiteral("ActionInvoked"), this,
                  SLOT(onActionInvoked(uint, QString)));
-    bus_.connect(kService, kPath, kInterface, QStringLiteral("NotificationClosed"), this,
+    bus_.connect(QString(), kPath, kInterface, QStringLiteral("NotificationClosed"), this,
                  SLOT(onNotificationClosed(uint, uint)));
     serviceWatcher_ =
         new QDBusServiceWatcher(kService, bus_, QDBusServiceWatcher::WatchForOwnerChange, this);
     connect(serviceWatcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
             &FreedesktopNotifier::onServiceOwnerChanged);
+    askWhetherServiceIsReachable();
 }
 
 bool FreedesktopNotifier::isAuthorised() {
-    if (!bus_.isConnected()) {
-        return false;
-    }
-    if (!authorised_ || authorisedCheckedAt_.elapsed() > kAuthorisationCacheMs) {
-        authorised_ = askBusWhetherServiceIsReachable();
-        authorisedCheckedAt_.start();
-    }
-    return *authorised_;
+    return authorised_;
 }
 
-bool FreedesktopNotifier::askBusWhetherServiceIsReachable() {
+void FreedesktopNotifier::askWhetherServiceIsReachable() {
+    const quint64 question = ++latestQuestion_;
     QDBusMessage hasOwner = busDaemonCall(QStringLiteral("NameHasOwner"));
     hasOwner << kService;
-    const QDBusMessage ownerReply = bus_.call(hasOwner, QDBus::Block, kBusQueryTimeoutMs);
-    if (ownerReply.type() == QDBusMessage::ReplyMessage && !ownerReply.arguments().isEmpty() &&
-        ownerReply.arguments().constFirst().toBool()) {
-        return true;
+    auto* call = new QDBusPendingCallWatcher(bus_.asyncCall(hasOwner), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this,
+            [this, question](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                const QDBusPendingReply<bool> reply = *finished;
+                if (!reply.isError() && reply.value()) {
+                    answer(question, true);
+                } else {
+                    // Many desktops start their notification daemon only on
+                    // the first Notify.
+                    askWhetherServiceIsActivatable(question);
+                }
+            });
+}
+
+void FreedesktopNotifier::askWhetherServiceIsActivatable(quint64 question) {
+    auto* call = new QDBusPendingCallWatcher(
+        bus_.asyncCall(busDaemonCall(QStringLiteral("ListActivatableNames"))), this);
+    connect(call, &QDBusPendingCallWatcher::finished, this,
+            [this, question](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                const QDBusPendingReply<QStringList> reply = *finished;
+                answer(question, !reply.isError() && reply.value().contains(kService));
+            });
+}
+
+void FreedesktopNotifier::answer(quint64 question, bool reachable) {
+    if (question == latestQuestion_) {
+        authorised_ = reachable;
     }
-    // Many desktops start their notification daemon only on the first Notify.
-    const QDBusMessage activatableReply = bus_.call(
-        busDaemonCall(QStringLiteral("ListActivatableNames")), QDBus::Block, kBusQueryTimeoutMs);
-    return activatableReply.type() == QDBusMessage::ReplyMessage &&
-           !activatableReply.arguments().isEmpty() &&
-           activatableReply.arguments().constFirst().toStringList().contains(kService);
 }
 
 void FreedesktopNotifier::post(const QString& summary, const QString& body,
@@ -101,33 +122,48 @@ void FreedesktopNotifier::post(const QString& summary, const QString& body,
            << kServerDefaultExpiry;
     // Asynchronous: a slow or missing service must never hold up the caller.
     auto* call = new QDBusPendingCallWatcher(bus_.asyncCall(notify), this);
-    connect(call, &QDBusPendingCallWatcher::finished, this,
-            [this, body](QDBusPendingCallWatcher* finished) { rememberPosted(finished, body); });
+    const Posted posted{body, imagePath};
+    connect(
+        call, &QDBusPendingCallWatcher::finished, this,
+        [this, posted](QDBusPendingCallWatcher* finished) { rememberPosted(finished, posted); });
 }
 
-void FreedesktopNotifier::rememberPosted(QDBusPendingCallWatcher* call, const QString& body) {
+void FreedesktopNotifier::rememberPosted(QDBusPendingCallWatcher* call, const Posted& posted) {
     const QDBusPendingReply<uint> reply = *call;
-    if (!reply.isError()) {
-        bodiesById_.insert(reply.value(), body);
+    if (reply.isError()) {
+        removeAttachment(posted.attachment);  // nothing will show it
+    } else {
+        postedById_.insert(reply.value(), posted);
     }
     call->deleteLater();
 }
 
 void FreedesktopNotifier::onActionInvoked(uint id, const QString& actionKey) {
     // Servers that broadcast their signals also report other programs' ids.
-    const auto posted = bodiesById_.constFind(id);
-    if (actionKey == kDefaultAction && posted != bodiesById_.constEnd()) {
-        Q_EMIT activated(*posted);
+    const auto posted = postedById_.constFind(id);
+    if (actionKey == kDefaultAction && posted != postedById_.constEnd()) {
+        Q_EMIT activated(posted->body);
     }
 }
 
 void FreedesktopNotifier::onNotificationClosed(uint id, uint /*reason*/) {
-    bodiesById_.remove(id);
+    const auto posted = postedById_.constFind(id);
+    if (posted != postedById_.constEnd()) {
+        removeAttachment(posted->attachment);
+        postedById_.erase(posted);
+    }
 }
 
 void FreedesktopNotifier::onServiceOwnerChanged() {
-    // A new (or no) server: the old ids mean nothing any more, and the
-    // authorisation must be asked again.
-    bodiesById_.clear();
-    authorised_.reset();
+    // A new (or no) server: the old ids mean nothing any more, nothing will
+    // close their popups, and the authorisation must be asked again.
+    forgetAllPosted();
+    askWhetherServiceIsReachable();
+}
+
+void FreedesktopNotifier::forgetAllPosted() {
+    for (const Posted& posted : std::as_const(postedById_)) {
+        removeAttachment(posted.attachment);
+    }
+    postedById_.clear();
 }

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QElapsedTimer>
 #include <QHash>
-#include <optional>
 
 #include "platform/notifier.h"
 
@@ -22,8 +20,12 @@ public:
     explicit FreedesktopNotifier(const QDBusConnection& bus, QObject* parent = nullptr);
 
     // True when the service name has an owner, or the bus can start one on
-    // demand (an activatable service). Asks the bus at most every few seconds.
+    // demand (an activatable service). The bus is asked in the background,
+    // at start and whenever the service comes or goes; this answers what it
+    // said last (false until it has answered), so it never waits for the bus.
     bool isAuthorised() override;
+    // An attachment written by NotificationAttachments is removed when its
+    // notification closes, or at once when the service refuses it.
     void post(const QString& summary, const QString& body, const QString& imagePath) override;
 
 private Q_SLOTS:
@@ -31,15 +33,26 @@ private Q_SLOTS:
     void onNotificationClosed(uint id, uint reason);
 
 private:
+    struct Posted {
+        QString body;
+        QString attachment;
+    };
+
     void onServiceOwnerChanged();
-    void rememberPosted(QDBusPendingCallWatcher* call, const QString& body);
-    bool askBusWhetherServiceIsReachable();
+    void rememberPosted(QDBusPendingCallWatcher* call, const Posted& posted);
+    void askWhetherServiceIsReachable();
+    void askWhetherServiceIsActivatable(quint64 question);
+    void answer(quint64 question, bool reachable);
+    void forgetAllPosted();
 
     QDBusConnection bus_;
     QDBusServiceWatcher* serviceWatcher_ = nullptr;
-    // Body of each notification of ours that the service still shows, by the
-    // id the service gave it; a click hands the body on.
-    QHash<uint, QString> bodiesById_;
-    std::optional<bool> authorised_;
-    QElapsedTimer authorisedCheckedAt_;
+    // Each notification of ours that the service still shows, by the id the
+    // service gave it; a click hands its body on, its closing removes its
+    // attachment.
+    QHash<uint, Posted> postedById_;
+    bool authorised_ = false;
+    // Answers to an older question (from before the service last came or
+    // went) are dropped.
+    quint64 latestQuestion_ = 0;
 };

@@ -82,8 +82,10 @@ std::unique_ptr<X11HotkeyBackend> X11HotkeyBackend::create(xcb_connection_t* con
 }
 
 std::unique_ptr<X11HotkeyBackend> X11HotkeyBackend::createForApplication() {
+    // Not qGuiApp: the running application may be a plain QCoreApplication.
+    const auto* application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
     const auto* x11 =
-        qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+        application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     xcb_connection_t* connection = x11 ? x11->connection() : nullptr;
     if (connection == nullptr) {
         return nullptr;
@@ -142,6 +144,7 @@ void X11HotkeyBackend::ungrabAll() {
         ungrabVariants(grab);
     }
     grabs_.clear();
+    lastRelease_ = {};
     xcb_flush(connection_);
 }
 
@@ -234,22 +237,55 @@ bool X11HotkeyBackend::nativeEventFilter(const QByteArray& eventType, void* mess
         return false;
     }
     const auto* event = static_cast<const xcb_generic_event_t*>(message);
-    // Releases are ignored: the modifiers may already be up by then.
-    if ((event->response_type & 0x7f) != XCB_KEY_PRESS) {
-        return false;
+    switch (event->response_type & 0x7f) {
+        case XCB_KEY_PRESS:
+            return handlePress(*reinterpret_cast<const xcb_key_press_event_t*>(event));
+        case XCB_KEY_RELEASE:
+            return handleRelease(*reinterpret_cast<const xcb_key_release_event_t*>(event));
+        default:
+            return false;
     }
-    const auto* press = reinterpret_cast<const xcb_key_press_event_t*>(event);
-    if (press->event != root_) {
+}
+
+bool X11HotkeyBackend::handlePress(const xcb_key_press_event_t& press) {
+    if (press.event != root_) {
         return false;
     }
     const quint16 locks = XCB_MOD_MASK_LOCK | masks_.numLock;
-    const quint16 modifiers = press->state & kAllModifierBits & ~locks;
-    for (const Grab& grab : grabs_) {
-        if (grab.keycode == press->detail && grab.modifiers == modifiers) {
+    const quint16 modifiers = press.state & kAllModifierBits & ~locks;
+    for (Grab& grab : grabs_) {
+        if (grab.keycode != press.detail || grab.modifiers != modifiers) {
+            continue;
+        }
+        const bool repeatPair =
+            lastRelease_.keycode == press.detail && lastRelease_.time == press.time;
+        const bool repeat = grab.down || repeatPair;
+        grab.down = true;
+        if (!repeat) {
             const quint32 id = grab.id;  // a receiver may ungrab everything
             Q_EMIT pressed(id);
-            return true;
         }
+        return true;
     }
     return false;
+}
+
+// The grab that a press activates lasts until its key is released, so the
+// release arrives here whatever the modifiers are by then (they may already
+// be up): the key alone ends the combination.
+bool X11HotkeyBackend::handleRelease(const xcb_key_release_event_t& release) {
+    if (release.event != root_) {
+        return false;
+    }
+    bool ours = false;
+    for (Grab& grab : grabs_) {
+        if (grab.keycode == release.detail) {
+            grab.down = false;
+            ours = true;
+        }
+    }
+    if (ours) {
+        lastRelease_ = {release.detail, release.time};
+    }
+    return ours;
 }

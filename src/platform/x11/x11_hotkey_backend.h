@@ -13,6 +13,12 @@
 // grabbed four times, with and without CapsLock and NumLock, so that the
 // locks do not disable it. Presses reach the program through Qt's own event
 // stream (a native event filter), so `connection` must be the one Qt uses.
+//
+// A held key repeats, but a held combination is reported once: a press of a
+// combination that is already down is ignored until its key is released.
+// The server reports a repeat either as another press alone (detectable
+// auto-repeat) or as a release and a press with the same time stamp; both
+// are recognised.
 class X11HotkeyBackend : public HotkeyBackend, private QAbstractNativeEventFilter {
     Q_OBJECT
 
@@ -46,11 +52,21 @@ private:
         xcb_keycode_t keycode = 0;
         quint16 modifiers = 0;  // X modifier bits, without the lock variants
         std::vector<quint16> heldVariants;
+        bool down = false;  // pressed, and its key not released since
+    };
+
+    // The last release of a grabbed key, to tell a repeat's release-and-press
+    // pair from a real release.
+    struct Release {
+        xcb_keycode_t keycode = 0;
+        xcb_timestamp_t time = 0;
     };
 
     X11HotkeyBackend(xcb_connection_t* connection, xcb_window_t root);
 
     bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
+    bool handlePress(const xcb_key_press_event_t& press);
+    bool handleRelease(const xcb_key_release_event_t& release);
 
     void readModifierMasks();
     quint16 xModifiersFor(quint32 modifiers) const;
@@ -63,4 +79,5 @@ private:
     xcb_window_t root_;
     ModifierMasks masks_;
     std::vector<Grab> grabs_;
+    Release lastRelease_;
 };

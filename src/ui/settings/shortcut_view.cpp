@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 
+#include "platform/keyboard_layout.h"
 #include "platform/platform_services.h"
 
 ShortcutView::ShortcutView(const HotkeyBinding& binding, QWidget* parent)
@@ -10,7 +11,7 @@ ShortcutView::ShortcutView(const HotkeyBinding& binding, QWidget* parent)
 
 ShortcutView::ShortcutView(const HotkeyBinding& binding, const KeyboardLayout& layout,
                            QWidget* parent)
-    : QWidget(parent) {
+    : QWidget(parent), binding_(binding), layout_(layout) {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(1);
@@ -28,13 +29,21 @@ ShortcutView::ShortcutView(const HotkeyBinding& binding, const KeyboardLayout& l
             addLabel(QString::fromUtf8(glyph), 9, QFont::Medium);
         }
     }
-    addLabel(layout.keyLabel(binding.keyCode), 10, QFont::Medium);
+    keyLabel_ = addLabel(QString(), 10, QFont::Medium);
+    showKeyLabel();
+    connect(&layout, &KeyboardLayout::changed, this, &ShortcutView::showKeyLabel);
 
     setAccessibleName(displayString(binding));
     setToolTip(displayString(binding));
 }
 
-void ShortcutView::addLabel(const QString& text, int pointSize, QFont::Weight weight) {
+void ShortcutView::showKeyLabel() {
+    const QString label = layout_.keyLabel(binding_.keyCode);
+    keyLabel_->setText(label);
+    keyLabel_->setAccessibleName(label);
+}
+
+QLabel* ShortcutView::addLabel(const QString& text, int pointSize, QFont::Weight weight) {
     auto* label = new QLabel(text, this);
     QFont font = label->font();
     font.setStyleHint(QFont::Monospace);
@@ -47,6 +56,7 @@ void ShortcutView::addLabel(const QString& text, int pointSize, QFont::Weight we
     label->setPalette(palette);
     label->setAccessibleName(text);
     layout()->addWidget(label);
+    return label;
 }
 
 QString ShortcutView::shownText() const {

@@ -9,7 +9,8 @@ class QLabel;
 
 // A compact, read-only picture of one binding: the modifier glyphs in the
 // order ⌘ ⇧ ⌥ ⌃, then the key as the current keyboard layout labels it, in a
-// small monospaced font and a muted colour.
+// small monospaced font and a muted colour. The key label follows layout
+// switches while it is shown.
 class ShortcutView : public QWidget {
     Q_OBJECT
 
@@ -23,5 +24,10 @@ public:
     QString shownText() const;
 
 private:
-    void addLabel(const QString& text, int pointSize, QFont::Weight weight);
+    QLabel* addLabel(const QString& text, int pointSize, QFont::Weight weight);
+    void showKeyLabel();
+
+    const HotkeyBinding binding_;
+    const KeyboardLayout& layout_;
+    QLabel* keyLabel_ = nullptr;
 };
