@@ -29,6 +29,7 @@
 #include "annotation/annotation_toolbar.h"
 #include "annotation/area_selection_geometry.h"
 #include "capture/capture_service.h"
+#include "ui/window_corners.h"
 
 namespace {
 
@@ -42,6 +43,8 @@ constexpr qreal kLabelCornerRadius = 5.0;
 // their shadow, and the size label on either side.
 constexpr qreal kRedrawMargin = 12.0;
 constexpr qreal kLabelRedrawHeight = 40.0;
+// The toolbar's painted corner radius, for its window shape.
+constexpr qreal kToolbarCornerRadius = 14.0;
 
 struct WrittenCapture {
     bool written = false;
@@ -524,6 +527,7 @@ void AnnotationOverlayController::showToolbar(const QRectF& selection) {
     const QRect frame = selectionView_->geometry();
     const QRect visible = screen_ ? screen_->availableGeometry() : frame;
     panel->setGeometry(QRect(AnnotationToolbar::placement(selection, frame, visible, size), size));
+    WindowCorners::apply(*panel, kToolbarCornerRadius);
     panel->setWindowOpacity(0.0);
     panel->show();
     panel->raise();
