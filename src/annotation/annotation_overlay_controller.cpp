@@ -46,6 +46,11 @@ constexpr qreal kLabelRedrawHeight = 40.0;
 // The toolbar's painted corner radius, for its window shape.
 constexpr qreal kToolbarCornerRadius = 14.0;
 
+// Editors queued by start() and not yet shown, and editors shown and not yet
+// dismissed: one area editor at a time.
+int editorsStarting = 0;
+int editorsOpen = 0;
+
 struct WrittenCapture {
     bool written = false;
     QImage image;
@@ -293,7 +298,9 @@ private:
 };
 
 void AnnotationOverlayController::start(const OpenedCallback& onOpened) {
+    ++editorsStarting;
     QTimer::singleShot(0, qApp, [onOpened] {
+        --editorsStarting;
         QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
         if (!screen) {
             screen = QGuiApplication::primaryScreen();
@@ -309,6 +316,10 @@ void AnnotationOverlayController::start(const OpenedCallback& onOpened) {
         }
         controller->show();
     });
+}
+
+bool AnnotationOverlayController::isEditorOpen() {
+    return editorsStarting > 0 || editorsOpen > 0;
 }
 
 void AnnotationOverlayController::warmUp() {
@@ -381,6 +392,9 @@ AnnotationOverlayController::AnnotationOverlayController(QScreen* screen, bool s
 }
 
 AnnotationOverlayController::~AnnotationOverlayController() {
+    if (selfRetain_) {
+        --editorsOpen;
+    }
     delete toolbarPanel_;
     delete canvasView_;
 }
@@ -390,6 +404,9 @@ QWidget* AnnotationOverlayController::overlayWindow() const {
 }
 
 void AnnotationOverlayController::show() {
+    if (!selfRetain_) {
+        ++editorsOpen;
+    }
     selfRetain_ = true;
     selectionView_->show();
     selectionView_->raise();
@@ -628,6 +645,7 @@ void AnnotationOverlayController::dismiss() {
         return;
     }
     selfRetain_ = false;
+    --editorsOpen;
     Q_EMIT closed();
     deleteLater();
 }
