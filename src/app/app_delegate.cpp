@@ -47,7 +47,6 @@ AppDelegate::AppDelegate() = default;
 
 AppDelegate::~AppDelegate() {
     removeClickMonitor();
-    delete pendingStart_;
 }
 
 void AppDelegate::applicationDidFinishLaunching() {

@@ -92,6 +92,5 @@ void ClearScreenStarter::follow(CaptureStartGate::Step step) {
         watcher_->stopWatching();
     }
     action_();
-    Q_EMIT started();
     deleteLater();
 }

@@ -31,10 +31,6 @@ public:
     void noteLeaving(QWidget& panel);
     void begin(bool compositorRunning);
 
-Q_SIGNALS:
-    // The action has run.
-    void started();
-
 private:
     void follow(CaptureStartGate::Step step);
 
