@@ -31,6 +31,7 @@
 #include "capture/capture_file_writer.h"
 #include "capture/capture_service.h"
 #include "capture/captures_in_flight.h"
+#include "ui/window_corners.h"
 
 namespace {
 
@@ -44,6 +45,13 @@ constexpr qreal kLabelCornerRadius = 5.0;
 // their shadow, and the size label on either side.
 constexpr qreal kRedrawMargin = 12.0;
 constexpr qreal kLabelRedrawHeight = 40.0;
+// The toolbar's painted corner radius, for its window shape.
+constexpr qreal kToolbarCornerRadius = 14.0;
+
+// Editors queued by start() and not yet shown, and editors shown and not yet
+// dismissed: one area editor at a time.
+int editorsStarting = 0;
+int editorsOpen = 0;
 
 struct WrittenCapture {
     NewCaptureFile file;
@@ -293,7 +301,9 @@ private:
 };
 
 void AnnotationOverlayController::start(const OpenedCallback& onOpened) {
+    ++editorsStarting;
     QTimer::singleShot(0, qApp, [onOpened] {
+        --editorsStarting;
         QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
         if (!screen) {
             screen = QGuiApplication::primaryScreen();
@@ -309,6 +319,10 @@ void AnnotationOverlayController::start(const OpenedCallback& onOpened) {
         }
         controller->show();
     });
+}
+
+bool AnnotationOverlayController::isEditorOpen() {
+    return editorsStarting > 0 || editorsOpen > 0;
 }
 
 void AnnotationOverlayController::warmUp() {
@@ -381,6 +395,9 @@ AnnotationOverlayController::AnnotationOverlayController(QScreen* screen, bool s
 }
 
 AnnotationOverlayController::~AnnotationOverlayController() {
+    if (selfRetain_) {
+        --editorsOpen;
+    }
     delete toolbarPanel_;
     delete canvasView_;
 }
@@ -390,6 +407,9 @@ QWidget* AnnotationOverlayController::overlayWindow() const {
 }
 
 void AnnotationOverlayController::show() {
+    if (!selfRetain_) {
+        ++editorsOpen;
+    }
     selfRetain_ = true;
     selectionView_->show();
     selectionView_->raise();
@@ -527,6 +547,7 @@ void AnnotationOverlayController::showToolbar(const QRectF& selection) {
     const QRect frame = selectionView_->geometry();
     const QRect visible = screen_ ? screen_->availableGeometry() : frame;
     panel->setGeometry(QRect(AnnotationToolbar::placement(selection, frame, visible, size), size));
+    WindowCorners::apply(*panel, kToolbarCornerRadius);
     panel->setWindowOpacity(0.0);
     panel->show();
     panel->raise();
@@ -629,6 +650,7 @@ void AnnotationOverlayController::dismiss() {
         return;
     }
     selfRetain_ = false;
+    --editorsOpen;
     Q_EMIT closed();
     deleteLater();
 }

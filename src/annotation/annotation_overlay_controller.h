@@ -32,6 +32,8 @@ public:
     // editor on it. Returns at once. `onOpened` (for measurements and tests)
     // sees the controller before its overlay is shown.
     static void start(const OpenedCallback& onOpened = {});
+    // Whether an editor is open, or queued by start() and about to open.
+    static bool isEditorOpen();
     // One throw-away grab: the first grab of a process sets up shared memory
     // and is several times slower than later ones.
     static void warmUp();

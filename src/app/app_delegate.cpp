@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QEvent>
 #include <QFileInfo>
 #include <QScreen>
 #include <QSystemTrayIcon>
@@ -11,6 +12,7 @@
 #include "annotation/screenshot_preview_window_controller.h"
 #include "app/app_signals.h"
 #include "app/bar_icon.h"
+#include "app/clear_screen_starter.h"
 #include "app/diagnostics.h"
 #include "app/popover_placement.h"
 #include "app/popover_window.h"
@@ -20,6 +22,7 @@
 #include "platform/notifier.h"
 #include "platform/platform_services.h"
 #include "platform/sound_player.h"
+#include "platform/window_unmap_watcher.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 #include "ui/gallery/menu_bar_view.h"
@@ -27,11 +30,11 @@
 
 namespace {
 
-// Panels get time to leave the screen before a capture grabs it.
-constexpr int kPanelsLeaveDelayMs = 400;
-constexpr int kCaptureStartDelayMs = 150;
-// The popover closes before a capture's preview opens.
-constexpr int kPreviewOpenDelayMs = 150;
+// A capture starts once our panels have left the screen, and no later than
+// these pauses (which once were always waited in full): 0.4 s and 0.15 s for
+// the area editor, 0.15 s for the recordings.
+constexpr int kAreaCaptureLatestStartMs = 400 + 150;
+constexpr int kRecordingLatestStartMs = 150;
 
 QScreen* screenAt(const QPoint& point) {
     QScreen* screen = QGuiApplication::screenAt(point);
@@ -64,6 +67,9 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::buildStatusItem() {
     statusItem_ = std::make_unique<QSystemTrayIcon>(BarIcon::builtIn());
     statusItem_->setToolTip(QStringLiteral("Quillix"));
+    // The icon is drawn in the palette's text colour: a new palette (a
+    // changed desktop theme) redraws it.
+    qApp->installEventFilter(this);
     connect(statusItem_.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 // Two quick clicks report the second as a double click: it
@@ -81,7 +87,8 @@ void AppDelegate::buildPopover() {
     // reopening the popover.
     auto* gallery = new MenuBarView();
     popover_->setContent(gallery);
-    connect(gallery, &MenuBarView::itemSelected, this, &AppDelegate::openSelectedCapture);
+    // The preview's own opening closes the popover and waits for it once.
+    connect(gallery, &MenuBarView::itemSelected, this, &AppDelegate::openPreview);
     connect(popover_.get(), &PopoverWindow::closed, this, &AppDelegate::popoverDidClose);
 
     AppSignals& hub = AppSignals::instance();
@@ -95,7 +102,15 @@ void AppDelegate::buildPopover() {
 }
 
 void AppDelegate::applyCustomBarIcon(const QString& imagePath) {
+    customIconPath_ = imagePath;
     statusItem_->setIcon(BarIcon::fromFile(imagePath).value_or(BarIcon::builtIn()));
+}
+
+bool AppDelegate::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && statusItem_) {
+        applyCustomBarIcon(customIconPath_);
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 bool AppDelegate::isPopoverShown() const {
@@ -177,8 +192,10 @@ void AppDelegate::removeClickMonitor() {
     }
 }
 
-void AppDelegate::closeOutsideClick(const QPoint& globalPosition) {
-    if (!isPopoverShown()) {
+void AppDelegate::closeOutsideClick(const QPoint& globalPosition, bool onOwnWindow) {
+    // A press in a window of ours (a cell's menu, its rename or event
+    // dialog, a preview) belongs to the gallery's own work.
+    if (!isPopoverShown() || onOwnWindow) {
         return;
     }
     const bool inPopover = popover_->frameGeometry().contains(globalPosition);
@@ -205,17 +222,23 @@ void AppDelegate::setUpHotkeys() {
         return;
     }
     hotKeyManager_ = std::make_unique<HotKeyManager>(*backend, UserSettings::shared());
-    // Callbacks hold the delegate weakly.
+    // Callbacks hold the delegate weakly. While a capture is under way the
+    // hotkeys do nothing: a gallery or second editor opening under the
+    // editor's overlay would take its keyboard.
     QPointer<AppDelegate> self(this);
     const auto weakly = [self](void (AppDelegate::*action)()) {
         return [self, action] {
-            if (self) {
+            if (self && !self->isCaptureUnderWay()) {
                 (self.data()->*action)();
             }
         };
     };
     hotKeyManager_->onTriggered = [self] {
-        QTimer::singleShot(0, self, [self] { self->togglePopover(); });
+        QTimer::singleShot(0, self, [self] {
+            if (!self->isCaptureUnderWay()) {
+                self->togglePopover();
+            }
+        });
     };
     hotKeyManager_->onShowHUD = weakly(&AppDelegate::showHUD);
     hotKeyManager_->onCaptureArea = weakly(&AppDelegate::captureArea);
@@ -235,11 +258,6 @@ void AppDelegate::setUpNotifications() {
             &AppDelegate::openNotifiedCapture);
 }
 
-void AppDelegate::openSelectedCapture(const ScreenshotItem& item) {
-    handleClosePopover();
-    QTimer::singleShot(kPreviewOpenDelayMs, this, [item] { openPreview(item); });
-}
-
 void AppDelegate::openPreview(const ScreenshotItem& item) {
     ScreenshotPreviewWindowController::show(item);
 }
@@ -257,27 +275,45 @@ void AppDelegate::showHUD() {
     printDiagnostic(QStringLiteral("Quillix: the capture HUD comes in a later version"));
 }
 
+bool AppDelegate::isCaptureUnderWay() const {
+    return pendingStart_ || AnnotationOverlayController::isEditorOpen();
+}
+
 void AppDelegate::captureArea() {
-    handleClosePopover();
-    QTimer::singleShot(kPanelsLeaveDelayMs, this, [this] {
-        for (QWidget* window : QApplication::topLevelWidgets()) {
-            window->hide();
-        }
-        QTimer::singleShot(kCaptureStartDelayMs, this,
-                           [] { AnnotationOverlayController::start(); });
-    });
+    if (isCaptureUnderWay()) {
+        return;  // one editor at a time
+    }
+    startOnClearScreen(kAreaCaptureLatestStartMs, [] { AnnotationOverlayController::start(); });
 }
 
 void AppDelegate::recordWindow() {
-    handleClosePopover();
-    QTimer::singleShot(kCaptureStartDelayMs, this, [] {
+    startOnClearScreen(kRecordingLatestStartMs, [] {
         printDiagnostic(QStringLiteral("Quillix: window recording comes in a later version"));
     });
 }
 
 void AppDelegate::recordScreen() {
-    handleClosePopover();
-    QTimer::singleShot(kCaptureStartDelayMs, this, [] {
+    startOnClearScreen(kRecordingLatestStartMs, [] {
         printDiagnostic(QStringLiteral("Quillix: screen recording comes in a later version"));
     });
+}
+
+void AppDelegate::startOnClearScreen(int latestMs, std::function<void()> action) {
+    // Only the panels leave (the HUD too, once there is one): the tray icon,
+    // previews and dialogs stay as they are, and may well be what the user
+    // wants to capture.
+    PlatformServices& platform = PlatformServices::instance();
+    auto* starter =
+        new ClearScreenStarter(platform.windowUnmapWatcher(), std::chrono::milliseconds(latestMs),
+                               std::move(action), this);
+    for (QWidget* panel :
+         {static_cast<QWidget*>(popover_.get()), static_cast<QWidget*>(pillPanel_.get())}) {
+        if (panel != nullptr) {
+            starter->noteLeaving(*panel);
+        }
+    }
+    handleClosePopover();
+    delete pendingStart_;
+    pendingStart_ = starter;
+    starter->begin(platform.compositorRunning());
 }

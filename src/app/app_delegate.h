@@ -2,8 +2,11 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QString>
+#include <functional>
 #include <memory>
 
+class ClearScreenStarter;
 class HotKeyManager;
 class ScreenshotItem;
 class PillPanel;
@@ -29,6 +32,17 @@ public:
     // Closes the popover and the pill and stops watching for outside clicks.
     void handleClosePopover();
 
+    // Hotkey actions. While an area editor is open, or a capture waits for
+    // our panels to leave the screen, the hotkeys do nothing.
+    void showHUD();
+    void captureArea();
+    void recordWindow();
+    void recordScreen();
+    bool isCaptureUnderWay() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void buildStatusItem();
     void buildPopover();
@@ -39,24 +53,22 @@ private:
     void popoverDidClose();
     void installClickMonitor();
     void removeClickMonitor();
-    void closeOutsideClick(const QPoint& globalPosition);
+    void closeOutsideClick(const QPoint& globalPosition, bool onOwnWindow);
+    // Hides our panels, then runs `action` once they have left the screen,
+    // at the latest after `latestMs`.
+    void startOnClearScreen(int latestMs, std::function<void()> action);
 
     void runCleanUpAtLaunch();
     void setUpHotkeys();
     void setUpNotifications();
     void openNotifiedCapture(const QString& fileName);
-    void openSelectedCapture(const ScreenshotItem& item);
     static void openPreview(const ScreenshotItem& item);
 
-    // Hotkey actions.
-    void showHUD();
-    void captureArea();
-    void recordWindow();
-    void recordScreen();
-
     std::unique_ptr<QSystemTrayIcon> statusItem_;
+    QString customIconPath_;
     std::unique_ptr<PopoverWindow> popover_;
     std::unique_ptr<PillPanel> pillPanel_;
     bool clickMonitorInstalled_ = false;
     std::unique_ptr<HotKeyManager> hotKeyManager_;
+    QPointer<ClearScreenStarter> pendingStart_;
 };

@@ -5,8 +5,9 @@
 #include <optional>
 
 // The tray icon image: the built-in monochrome "BarIcon", or a user-chosen
-// image file, drawn into 18 × 18 points and tinted in one light colour the way
-// a template image is tinted by the panel.
+// image file, drawn into 18 × 18 points and tinted the way a panel tints a
+// template image: in the palette's text colour, outlined in the opposite
+// lightness so that it reads on light and dark panels alike.
 namespace BarIcon {
 
 inline constexpr int kSize = 18;

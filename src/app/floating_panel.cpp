@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include "ui/window_corners.h"
+
 FloatingPanel::FloatingPanel(const QString& accessibleName, int cornerRadius, Focus focus,
                              QWidget* parent)
     : QWidget(parent), cornerRadius_(cornerRadius) {
@@ -30,4 +32,15 @@ void FloatingPanel::paintEvent(QPaintEvent*) {
     painter.fillPath(outline, fill);
     painter.setPen(QColor(128, 128, 128, 90));
     painter.drawPath(outline);
+}
+
+void FloatingPanel::showEvent(QShowEvent* event) {
+    // A compositor may have started or stopped since the last showing.
+    WindowCorners::apply(*this, cornerRadius_);
+    QWidget::showEvent(event);
+}
+
+void FloatingPanel::resizeEvent(QResizeEvent* event) {
+    WindowCorners::apply(*this, cornerRadius_);
+    QWidget::resizeEvent(event);
 }

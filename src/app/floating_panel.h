@@ -4,8 +4,8 @@
 
 // A borderless window that floats above other windows without taking part in
 // the task bar or window cycling, with a rounded, nearly opaque fill (the
-// look of a blurred panel on desktops without blur). Base of the popover and
-// the pill.
+// look of a blurred panel on desktops without blur); without a compositor the
+// window is shaped to its rounded outline. Base of the popover and the pill.
 class FloatingPanel : public QWidget {
     Q_OBJECT
 
@@ -17,6 +17,8 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     int cornerRadius_;

@@ -5,7 +5,7 @@
 
 // Reports left and right mouse presses anywhere on screen, in any program's
 // window, while it is active (the shell closes the popover on clicks outside
-// it).
+// every window of ours).
 class ClickMonitor : public QObject {
     Q_OBJECT
 
@@ -16,6 +16,8 @@ public:
     virtual void stop() = 0;
 
 Q_SIGNALS:
-    // Emitted on the GUI thread with the pointer position in screen pixels.
-    void pressed(const QPoint& globalPosition);
+    // Emitted on the GUI thread with the pointer position in screen pixels;
+    // `onOwnWindow` when the press landed on one of this program's windows
+    // (a dialog, a menu, the tray icon…), whatever their stacking.
+    void pressed(const QPoint& globalPosition, bool onOwnWindow);
 };

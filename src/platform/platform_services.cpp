@@ -7,8 +7,11 @@
 #include "platform/canberra/canberra_sound_player.h"
 #include "platform/dbus/freedesktop_notifier.h"
 #include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
+#include "platform/window_unmap_watcher.h"
 #include "platform/x11/x11_click_monitor.h"
+#include "platform/x11/x11_compositor.h"
 #include "platform/x11/x11_hotkey_backend.h"
+#include "platform/x11/x11_window_unmap_watcher.h"
 #include "platform/x11/xkb_keyboard_layout.h"
 
 namespace {
@@ -45,7 +48,16 @@ PlatformServices::PlatformServices()
     if (connection != nullptr) {
         hotkeyBackend_ = X11HotkeyBackend::createForApplication();
         clickMonitor_ = X11ClickMonitor::create(connection, x11RootWindow(connection));
+        windowUnmapWatcher_ =
+            std::make_unique<X11WindowUnmapWatcher>(connection, x11RootWindow(connection));
     }
+}
+
+bool PlatformServices::compositorRunning() const {
+    xcb_connection_t* connection = x11Connection();
+    // Only X11 shows translucent pixels without compositing; other display
+    // servers always compose.
+    return connection == nullptr || x11CompositorRunning(connection);
 }
 
 PlatformServices::~PlatformServices() = default;

@@ -9,6 +9,7 @@ class HotkeyBackend;
 class Notifier;
 class SoundPlayer;
 class VideoFrameReader;
+class WindowUnmapWatcher;
 
 // The platform back ends the features talk to, chosen once at start-up for
 // the windowing system the program runs on (X11 today; a Wayland portal back
@@ -27,6 +28,10 @@ public:
     // Nothing where the display offers no global hotkeys or click monitoring.
     HotkeyBackend* hotkeyBackend() { return hotkeyBackend_.get(); }
     ClickMonitor* clickMonitor() { return clickMonitor_.get(); }
+    WindowUnmapWatcher* windowUnmapWatcher() { return windowUnmapWatcher_.get(); }
+    // Whether a compositor draws the screen right now (it may start or stop
+    // at any time). Where none can be asked, one is assumed.
+    bool compositorRunning() const;
 
 private:
     PlatformServices();
@@ -37,4 +42,5 @@ private:
     std::shared_ptr<const VideoFrameReader> videoFrameReader_;
     std::unique_ptr<HotkeyBackend> hotkeyBackend_;
     std::unique_ptr<ClickMonitor> clickMonitor_;
+    std::unique_ptr<WindowUnmapWatcher> windowUnmapWatcher_;
 };

@@ -2,14 +2,15 @@
 """The tray shell driven like a user: tray icon, hotkeys, popover, pill."""
 import os
 import re
+import subprocess
 import sys
 import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
-from quillix_session import (FreshHome, KeyGrabHolder, RunningApp,  # noqa: E402
-                             tray_icon_embedded, viewable_windows, wait_until, window_geometry,
-                             xdotool)
+from quillix_session import (FreshHome, KeyGrabHolder, RunningApp, call_app,  # noqa: E402
+                             centre, locate, tray_icon_embedded, viewable_windows, wait_until,
+                             window_geometry, xdotool)
 
 BINARY = None
 POPOVER = "Quillix gallery"
@@ -116,6 +117,129 @@ class Shell(unittest.TestCase):
         for line in EXPECTED_REGISTRATIONS[:4] + EXPECTED_REGISTRATIONS[5:]:
             self.assertIn(line, output)
         self.open_with_hotkey()
+
+
+def pixels(path, *points):
+    """(red, green, blue) of each (x, y) of an image."""
+    found = []
+    for x, y in points:
+        text = subprocess.run(["convert", path, "-format", f"%[pixel:p{{{x},{y}}}]", "info:"],
+                              capture_output=True, text=True, check=True).stdout
+        values = text[text.index("(") + 1:text.index(")")].split(",")
+        found.append(tuple(int(float(v)) for v in values[:3]))
+    return found
+
+
+class PopoverAmongOwnWindows(unittest.TestCase):
+    """A full gallery, started once: presses in the program's own menus and
+    dialogs, and the see-through corners."""
+    NAMES = [f"shot{index:02d}.png" for index in range(18)]  # six rows, oldest first
+    ROOT_COLOUR = (0x33, 0x66, 0x99)
+
+    @classmethod
+    def setUpClass(cls):
+        subprocess.run(["xsetroot", "-solid", "#%02x%02x%02x" % cls.ROOT_COLOUR], check=True)
+        cls.home = FreshHome()
+        for name in cls.NAMES:
+            subprocess.run(["convert", "-size", "480x300", "xc:#3a7d44",
+                            f"PNG24:{os.path.join(cls.home.folders['Desktop'], name)}"],
+                           check=True)
+            time.sleep(0.02)  # distinct creation times: a known order
+        cls.app = RunningApp(BINARY, cls.home)
+        wait_until(lambda: "(id 6)" in cls.app.output(), what="hotkeys")
+        wait_until(tray_icon_embedded, what="the tray icon")
+        wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
+        call_app("SetShowOnlyQuillixItems", "boolean:false")
+        wait_until(lambda: len(call_app("ListedFiles") or []) == len(cls.NAMES),
+                   what="every picture listed")
+
+    @classmethod
+    def tearDownClass(cls):
+        try:
+            cls.app.stop_cleanly()
+        finally:
+            cls.home.cleanup()
+
+    def tearDown(self):
+        if self._outcome.result.failures or self._outcome.result.errors:
+            print(self.app.output()[-4000:])
+
+    def popover_shown(self):
+        return bool(viewable_windows(POPOVER))
+
+    def open_gallery(self):
+        if not self.popover_shown():
+            xdotool("key", "super+shift+1")
+        wait_until(self.popover_shown, what="the gallery popover")
+        locate(self.NAMES[0])
+        time.sleep(0.5)  # the entrance slide and the pill's fade
+
+    def test_corners_show_the_desktop_without_a_compositor(self):
+        self.open_gallery()
+        popover = window_geometry(viewable_windows(POPOVER)[0])
+        pill = window_geometry(viewable_windows(PILL)[0])
+        shot = os.path.join(self.home.root, "corners.png")
+        subprocess.run(["import", "-window", "root", shot], check=True)
+        corners = []
+        for x, y, width, height in (popover, pill):
+            corners += [(x, y), (x + width - 1, y), (x, y + height - 1),
+                        (x + width - 1, y + height - 1)]
+        self.assertEqual(pixels(shot, *corners), [self.ROOT_COLOUR] * len(corners))
+        # The panels themselves are still there, edge to edge.
+        middle = [(popover[0] + 160, popover[1] + 1), (pill[0] + 160, pill[1] + 22)]
+        self.assertNotIn(self.ROOT_COLOUR, pixels(shot, *middle))
+
+    def test_presses_in_our_own_menu_and_dialog_keep_the_gallery_open(self):
+        self.open_gallery()
+        popover = window_geometry(viewable_windows(POPOVER)[0])
+        pill = window_geometry(viewable_windows(PILL)[0])
+        # The oldest picture sits in the last row: its menu reaches past the
+        # bottom of the pill.
+        x, y = centre(locate(self.NAMES[0]))
+        xdotool("mousemove", str(x), str(y))
+        time.sleep(0.2)
+        xdotool("click", "3")
+        menu = wait_until(lambda: [w for w in self.own_windows() if w[1] + w[3] > pill[1] + pill[3]],
+                          what="the cell's menu below the pill")[0]
+        # "Rename…" is the second row from the bottom of the menu, below the pill.
+        item_y = menu[1] + menu[3] - 36
+        self.assertGreater(item_y, pill[1] + pill[3])
+        xdotool("mousemove", str(menu[0] + 40), str(item_y))
+        time.sleep(0.2)
+        xdotool("click", "1")
+        dialog = wait_until(lambda: viewable_windows("Rename Screenshot"), what="the rename dialog")[0]
+        time.sleep(0.3)
+        self.assertTrue(self.popover_shown(), "a press in our menu closed the gallery")
+
+        x, y, width, height = window_geometry(dialog)
+        self.assertFalse(x < popover[0] + popover[2] and popover[0] < x + width and
+                         y < popover[1] + popover[3] and popover[1] < y + height,
+                         "the dialog must lie outside the popover for this test")
+        xdotool("mousemove", str(x + 12), str(y + height // 2), "click", "1")
+        time.sleep(0.5)
+        self.assertTrue(self.popover_shown(), "a press in our dialog closed the gallery")
+        xdotool("key", "Escape")
+        wait_until(lambda: not viewable_windows("Rename Screenshot"), what="the dialog to close")
+        self.assertTrue(self.popover_shown())
+        self.assertTrue(os.path.exists(os.path.join(self.home.folders["Desktop"],
+                                                    self.NAMES[0])))
+
+        xdotool("mousemove", "400", "700", "click", "1")
+        wait_until(lambda: not self.popover_shown(), what="a press on the desktop to close it")
+
+    def own_windows(self):
+        """Geometry of the program's viewable override-redirect windows (menus)."""
+        found = []
+        tree = subprocess.run(["xwininfo", "-root", "-children"], capture_output=True,
+                              text=True).stdout
+        for line in tree.splitlines():
+            if '("quillix" "Quillix")' in line:
+                window = line.split()[0]
+                info = subprocess.run(["xwininfo", "-id", window], capture_output=True,
+                                      text=True).stdout
+                if "IsViewable" in info and "Override Redirect State: yes" in info:
+                    found.append(window_geometry(window))
+        return found
 
 
 if __name__ == "__main__":

@@ -5,12 +5,18 @@
 
 #include <QCoreApplication>
 #include <QCursor>
+#include <QGuiApplication>
+#include <QWindow>
+#include <algorithm>
 #include <cstdlib>
 
 namespace {
 
 constexpr quint32 kLeftButton = 1;
 constexpr quint32 kRightButton = 3;
+// Window managers nest a client one or two levels below the root; tray
+// hosts a few more.
+constexpr int kMaxDepth = 8;
 
 }  // namespace
 
@@ -87,9 +93,44 @@ bool X11ClickMonitor::nativeEventFilter(const QByteArray& eventType, void* messa
     }
     auto* press = reinterpret_cast<xcb_input_raw_button_press_event_t*>(event);
     if (press->detail == kLeftButton || press->detail == kRightButton) {
-        // Raw events carry no position; the pointer is where the press happened.
-        Q_EMIT pressed(QCursor::pos());
+        // Raw events carry no position or window; the pointer is where the
+        // press happened.
+        Q_EMIT pressed(QCursor::pos(), pointerOnOwnWindow());
     }
     // Qt must still see the event: it selects XInput events of its own.
     return false;
+}
+
+bool X11ClickMonitor::pointerOnOwnWindow() const {
+    // Down from the root through the windows under the pointer: the window
+    // manager's frame, then the client in it, and so on. The press is ours
+    // when any of them is one of our windows (menus and tooltips sit right
+    // under the root; dialogs inside a frame; the tray icon inside its host).
+    quint32 window = rootWindow_;
+    for (int depth = 0; depth < kMaxDepth; ++depth) {
+        auto* reply =
+            xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, window), nullptr);
+        const quint32 child = reply != nullptr ? reply->child : quint32(XCB_WINDOW_NONE);
+        std::free(reply);
+        if (child == XCB_WINDOW_NONE) {
+            return false;
+        }
+        if (isOwnWindow(child)) {
+            return true;
+        }
+        window = child;
+    }
+    return false;
+}
+
+bool X11ClickMonitor::isOwnWindow(quint32 window) const {
+    // Every window made on Qt's connection carries its resource-id base.
+    const xcb_setup_t* setup = xcb_get_setup(connection_);
+    if ((window & ~setup->resource_id_mask) == setup->resource_id_base) {
+        return true;
+    }
+    const QList<QWindow*> windows = QGuiApplication::allWindows();
+    return std::any_of(windows.begin(), windows.end(), [window](const QWindow* own) {
+        return own->handle() != nullptr && quint32(own->winId()) == window;
+    });
 }

@@ -27,6 +27,8 @@ public:
 private:
     X11ClickMonitor(xcb_connection_t* connection, quint32 rootWindow, quint8 xinputOpcode);
     void selectRawPresses(bool enabled);
+    bool pointerOnOwnWindow() const;
+    bool isOwnWindow(quint32 window) const;
 
     xcb_connection_t* connection_;
     quint32 rootWindow_;
