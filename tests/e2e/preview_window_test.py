@@ -133,9 +133,9 @@ class PreviewSession(unittest.TestCase):
         self.open_gallery()
         self.click(name)
         title = os.path.splitext(name)[0]
-        wait_until(lambda: viewable_windows(title), what=f"the preview of {name}")
+        window = wait_until(lambda: viewable_windows(title), what=f"the preview of {name}")[0]
         time.sleep(0.6)  # fade-in and the picture's read
-        return viewable_windows(title)[0]
+        return window
 
 
 class UnsavedAnnotationsAndTheFileFollowed(PreviewSession):
