@@ -15,11 +15,11 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QVariantAnimation>
-#include <QtConcurrent/QtConcurrentRun>
 #include <cmath>
 
 #include "annotation/symbol_icon.h"
 #include "capture/capture_file_rename.h"
+#include "capture/screenshot_store.h"
 #include "storage/screenshot_metadata_store.h"
 
 namespace {
@@ -164,11 +164,11 @@ private:
 }  // namespace
 
 PreviewSidebar::PreviewSidebar(const ScreenshotItem& item, ScreenshotMetadataStore& metaStore,
-                               std::function<void()> refreshLibrary, QWidget* parent)
+                               ScreenshotStore& library, QWidget* parent)
     : QWidget(parent),
       item_(item),
       metaStore_(metaStore),
-      refreshLibrary_(std::move(refreshLibrary)),
+      library_(library),
       currentPath_(item.path()),
       currentName_(QFileInfo(item.path()).fileName()) {
     setFixedWidth(kWidth);
@@ -416,28 +416,26 @@ void PreviewSidebar::confirmName() {
         return;
     }
     renaming_ = true;
-    const QString from = currentPath_;
-    const QString to = *target;
-    QtConcurrent::run([from, to] {
-        return moveCaptureFile(from, to);
-    }).then(this, [this](const CaptureRenameResult& result) {
-        renaming_ = false;
-        if (!result.succeeded()) {
-            renameError_ = result.errorMessage;
+    // The library announces the move, and the preview follows it through
+    // followRename, before this continuation runs.
+    library_.renameFile(currentPath_, *target)
+        .then(this, [this](const CaptureRenameResult& result) {
+            renaming_ = false;
+            if (!result.succeeded()) {
+                renameError_ = result.errorMessage;
+                refresh();
+                return;
+            }
+            renameError_.reset();
+            editingName_ = false;
             refresh();
-            return;
-        }
-        currentPath_ = result.newPath;
-        currentName_ = QFileInfo(result.newPath).fileName();
-        renameError_.reset();
-        editingName_ = false;
-        if (refreshLibrary_) {
-            refreshLibrary_();
-        }
-        window()->setWindowTitle(QFileInfo(result.newPath).completeBaseName());
-        refresh();
-        Q_EMIT renamed(result.newPath);
-    });
+        });
+}
+
+void PreviewSidebar::followRename(const QString& newPath) {
+    currentPath_ = newPath;
+    currentName_ = QFileInfo(newPath).fileName();
+    refresh();
 }
 
 void PreviewSidebar::closeNameEditor() {

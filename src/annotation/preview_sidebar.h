@@ -3,7 +3,6 @@
 #include <QString>
 #include <QWidget>
 #include <array>
-#include <functional>
 #include <optional>
 
 #include "capture/screenshot_item.h"
@@ -16,13 +15,14 @@ class QLineEdit;
 class QToolButton;
 class QWidget;
 class ScreenshotMetadataStore;
+class ScreenshotStore;
 
 // The information panel of the preview window, 220 wide: the capture's date,
 // file name and size, its name with an inline rename editor, its event with
 // an inline editor, and the six colour-label swatches. Label and event
-// changes go to the metadata store; a rename moves the file, asks the library
-// to rescan and retitles the window. The panel follows the store whenever
-// its metadata changes.
+// changes go to the metadata store; a rename has the library move the file
+// (the library then rescans and announces the move, which the preview
+// follows). The panel follows the store whenever its metadata changes.
 class PreviewSidebar : public QWidget {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ public:
     static constexpr int kSwatchDiameter = 22;
 
     PreviewSidebar(const ScreenshotItem& item, ScreenshotMetadataStore& metaStore,
-                   std::function<void()> refreshLibrary, QWidget* parent = nullptr);
+                   ScreenshotStore& library, QWidget* parent = nullptr);
 
     // "245 KB", "1.2 MB": a byte count in kilobytes below a megabyte and in
     // megabytes from there on, 1000-based as file sizes are shown.
@@ -39,6 +39,9 @@ public:
 
     // The file as it is now (a rename changes it).
     QString currentPath() const { return currentPath_; }
+    // Shows the file under its new path after it was moved (by this panel
+    // or elsewhere).
+    void followRename(const QString& newPath);
     QString currentName() const { return currentName_; }
     // The record of the current file (empty when it has none).
     ScreenshotMetadata metadata() const;
@@ -68,10 +71,6 @@ public:
     QAbstractButton* swatch(ColorLabel label) const;
     QAbstractButton* clearColorButton() const { return clearColor_; }
 
-Q_SIGNALS:
-    // After a successful rename, with the file's new path.
-    void renamed(const QString& newPath);
-
 protected:
     void paintEvent(QPaintEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -90,7 +89,7 @@ private:
 
     ScreenshotItem item_;
     ScreenshotMetadataStore& metaStore_;
-    std::function<void()> refreshLibrary_;
+    ScreenshotStore& library_;
     QString currentPath_;
     QString currentName_;
     bool editingName_ = false;

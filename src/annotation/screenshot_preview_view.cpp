@@ -8,8 +8,12 @@
 #include <QHBoxLayout>
 #include <QImageReader>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPixmap>
+#include <QPlainTextEdit>
+#include <QTextEdit>
 #include <QVariantAnimation>
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -21,11 +25,17 @@
 #include "annotation/video_player_view.h"
 #include "capture/capture_file_writer.h"
 #include "capture/capture_registry.h"
+#include "capture/image_allocation_limit.h"
+#include "capture/screenshot_store.h"
 
 namespace {
 
 constexpr int kEntranceDurationMs = 300;
 constexpr qreal kEntranceOffset = 10.0;
+// Pictures are drawn from a copy at most this many pixels on the longer
+// side, made on a worker: scaling a picture of hundreds of megapixels to the
+// window on every resize would stall the window.
+constexpr int kDisplayMaxSide = 4096;
 
 // A one-point vertical line in the text colour at a quarter opacity.
 class PreviewDivider : public QWidget {
@@ -44,13 +54,45 @@ protected:
     }
 };
 
+// A picture as the preview shows it: the whole picture, the copy it is
+// drawn from, and a note when it cannot be shown.
+struct ReadPicture {
+    QImage image;
+    QImage display;
+    QString message;
+};
+
+// The copy a picture is drawn from: itself, or a smaller copy of a huge one.
+QImage displayCopy(const QImage& image) {
+    if (image.isNull() || std::max(image.width(), image.height()) <= kDisplayMaxSide) {
+        return image;
+    }
+    return image.scaled(kDisplayMaxSide, kDisplayMaxSide, Qt::KeepAspectRatio,
+                        Qt::SmoothTransformation);
+}
+
 // The picture read with its orientation applied, the format decided by the
 // content (a rewritten file keeps its old extension); null when unreadable.
-QImage readPicture(const QString& path) {
+// A picture too large for the memory the program allows for one image
+// comes back null with a note saying so.
+ReadPicture readPicture(const QString& path) {
     QImageReader reader(path);
     reader.setAutoTransform(true);
     reader.setDecideFormatFromContent(true);
-    return reader.read();
+    const QSize size = reader.size();
+    ReadPicture picture;
+    picture.image = reader.read();
+    if (picture.image.isNull()) {
+        const qint64 bytes = qint64(size.width()) * size.height() * 4;
+        if (size.isValid() && bytes > qint64(QImageReader::allocationLimit()) * 1024 * 1024) {
+            picture.message = QStringLiteral("This picture is too large to show (%1 × %2 pixels).")
+                                  .arg(size.width())
+                                  .arg(size.height());
+        }
+        return picture;
+    }
+    picture.display = displayCopy(picture.image);
+    return picture;
 }
 
 // The PNG encoding of `image`; empty when it fails.
@@ -63,28 +105,53 @@ QByteArray encodePng(const QImage& image) {
     return bytes;
 }
 
-bool isSaveOrUndoKey(const QKeyEvent* key) {
-    const Qt::KeyboardModifiers modifiers =
-        key->modifiers() &
-        (Qt::ControlModifier | Qt::MetaModifier | Qt::AltModifier | Qt::ShiftModifier);
+Qt::KeyboardModifiers significantModifiers(const QKeyEvent* key) {
+    return key->modifiers() &
+           (Qt::ControlModifier | Qt::MetaModifier | Qt::AltModifier | Qt::ShiftModifier);
+}
+
+// Ctrl (or Super) with S, Z or W.
+bool isCommandKey(const QKeyEvent* key) {
+    const Qt::KeyboardModifiers modifiers = significantModifiers(key);
     if (modifiers != Qt::ControlModifier && modifiers != Qt::MetaModifier) {
         return false;
     }
-    return key->key() == Qt::Key_S || key->key() == Qt::Key_Z;
+    return key->key() == Qt::Key_S || key->key() == Qt::Key_Z || key->key() == Qt::Key_W;
+}
+
+// Escape alone, unless a text field has the keyboard: there it ends the
+// editing (the annotation text, a rename, an event) and must not close.
+bool isClosingEscape(const QKeyEvent* key) {
+    if (key->key() != Qt::Key_Escape || significantModifiers(key) != Qt::NoModifier) {
+        return false;
+    }
+    const QWidget* focus = QApplication::focusWidget();
+    return !qobject_cast<const QLineEdit*>(focus) && !qobject_cast<const QTextEdit*>(focus) &&
+           !qobject_cast<const QPlainTextEdit*>(focus);
 }
 
 }  // namespace
 
 // The picture drawn scaled into its display rectangle, with the annotation
-// canvas over the whole area. The canvas takes the mouse only while drawing
-// is on, so the window below it stays usable otherwise.
+// canvas over the whole area and a note over it when there is one. The
+// canvas takes the mouse only while drawing is on, so the window below it
+// stays usable otherwise.
 class PreviewImageArea : public QWidget {
 public:
     PreviewImageArea(AnnotationState& state, const QString& fileName, QWidget* parent)
-        : QWidget(parent), canvas_(new AnnotationCanvasView(state, QImage(), this)) {
+        : QWidget(parent),
+          canvas_(new AnnotationCanvasView(state, QImage(), this)),
+          message_(new QLabel(this)) {
         setAccessibleName(fileName);
         setMinimumSize(1, 1);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+        message_->setWordWrap(true);
+        message_->setAlignment(Qt::AlignCenter);
+        message_->setAttribute(Qt::WA_TransparentForMouseEvents);
+        message_->setStyleSheet(QStringLiteral(
+            "QLabel { color: white; background: rgba(0, 0, 0, 160); border-radius: 8px; "
+            "padding: 8px 12px; }"));
+        message_->hide();
         followDrawingEnabled(state.isDrawingEnabled());
         connect(&state, &AnnotationState::drawingEnabledChanged, this,
                 [this](bool enabled) { followDrawingEnabled(enabled); });
@@ -93,12 +160,36 @@ public:
     AnnotationCanvasView* canvas() const { return canvas_; }
     QRectF displayRect() const { return displayRect_; }
     const QImage& image() const { return image_; }
+    QString message() const { return message_->isVisible() ? message_->text() : QString(); }
 
-    void setImage(const QImage& image) {
+    // The whole picture and the copy it is drawn from; without that copy, a
+    // huge picture gets one made on a worker (the old copy is drawn till
+    // then).
+    void setImage(const QImage& image, const QImage& display = {}) {
         image_ = image;
-        scaled_ = QPixmap();
         canvas_->setSourceImage(image);
+        if (!display.isNull() || image.isNull()) {
+            setDisplay(display);
+        } else if (std::max(image.width(), image.height()) <= kDisplayMaxSide) {
+            setDisplay(image);
+        } else {
+            const qint64 key = image.cacheKey();
+            QtConcurrent::run([image] {
+                return displayCopy(image);
+            }).then(this, [this, key](const QImage& copy) {
+                if (image_.cacheKey() == key) {
+                    setDisplay(copy);
+                }
+            });
+        }
         relayout();
+    }
+
+    void setMessage(const QString& text) {
+        message_->setText(text);
+        message_->setAccessibleName(text);
+        message_->setVisible(!text.isEmpty());
+        placeMessage();
     }
 
 protected:
@@ -108,7 +199,7 @@ protected:
     }
 
     void paintEvent(QPaintEvent*) override {
-        if (image_.isNull() || displayRect_.isEmpty()) {
+        if (display_.isNull() || displayRect_.isEmpty()) {
             return;
         }
         const qreal ratio = devicePixelRatioF();
@@ -118,7 +209,7 @@ protected:
         }
         if (scaled_.size() != pixels) {
             scaled_ = QPixmap::fromImage(
-                image_.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+                display_.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
             scaled_.setDevicePixelRatio(ratio);
         }
         QPainter painter(this);
@@ -126,6 +217,12 @@ protected:
     }
 
 private:
+    void setDisplay(const QImage& display) {
+        display_ = display;
+        scaled_ = QPixmap();
+        update();
+    }
+
     void followDrawingEnabled(bool enabled) {
         canvas_->setAttribute(Qt::WA_TransparentForMouseEvents, !enabled);
     }
@@ -137,22 +234,34 @@ private:
         canvas_->setGeometry(rect());
         canvas_->setImageRect(displayRect_);
         canvas_->update();
+        placeMessage();
         update();
     }
 
+    void placeMessage() {
+        if (!message_->isVisible()) {
+            return;
+        }
+        const int margin = static_cast<int>(kPreviewImageMargin);
+        const int width = std::max(1, this->width() - 2 * margin);
+        const int height = message_->heightForWidth(width);
+        message_->setGeometry(margin, margin, width, std::max(height, 1));
+        message_->raise();
+    }
+
     AnnotationCanvasView* canvas_;
+    QLabel* message_;
     QImage image_;
+    QImage display_;
     QPixmap scaled_;
     QRectF displayRect_;
 };
 
 ScreenshotPreviewView::ScreenshotPreviewView(const ScreenshotItem& item,
                                              ScreenshotMetadataStore& metaStore,
-                                             std::function<void()> refreshLibrary, QWidget* parent)
-    : QWidget(parent),
-      item_(item),
-      metaStore_(metaStore),
-      refreshLibrary_(std::move(refreshLibrary)) {
+                                             ScreenshotStore& library, QWidget* parent)
+    : QWidget(parent), item_(item), metaStore_(metaStore), library_(library) {
+    raiseImageAllocationLimit();
     setAccessibleName(QStringLiteral("Preview of %1").arg(item.fileName()));
     setMinimumSize(400, 300);
 
@@ -176,11 +285,10 @@ ScreenshotPreviewView::ScreenshotPreviewView(const ScreenshotItem& item,
 
     row->addWidget(new PreviewDivider(content_));
 
-    previewSidebar_ = new PreviewSidebar(item_, metaStore_, refreshLibrary_, content_);
-    connect(previewSidebar_, &PreviewSidebar::renamed, this, [this](const QString& newPath) {
-        item_ = ScreenshotItem(newPath, item_.date(), item_.modifiedDate(), item_.thumbnail());
-    });
+    previewSidebar_ = new PreviewSidebar(item_, metaStore_, library_, content_);
     row->addWidget(previewSidebar_);
+    connect(&library_, &ScreenshotStore::fileRenamed, this, &ScreenshotPreviewView::followRename);
+    connect(&library_, &ScreenshotStore::filesTrashed, this, &ScreenshotPreviewView::followTrash);
 
     entranceAnimation_ = new QVariantAnimation(this);
     entranceAnimation_->setDuration(kEntranceDurationMs);
@@ -200,6 +308,21 @@ ScreenshotPreviewView::~ScreenshotPreviewView() {
 
 QRectF ScreenshotPreviewView::imageDisplayRect() const {
     return imageArea_ ? imageArea_->displayRect() : QRectF();
+}
+
+bool ScreenshotPreviewView::hasUnsavedChanges() const {
+    if (item_.isVideo()) {
+        return false;
+    }
+    if (!annotationState_.annotations().isEmpty() || annotationState_.cropRect()) {
+        return true;
+    }
+    const QLineEdit* typing = canvas() ? canvas()->textField() : nullptr;
+    return typing && !typing->text().trimmed().isEmpty();
+}
+
+QString ScreenshotPreviewView::message() const {
+    return imageArea_ ? imageArea_->message() : QString();
 }
 
 QWidget* ScreenshotPreviewView::imageArea() const {
@@ -247,27 +370,63 @@ void ScreenshotPreviewView::loadImage() {
         return;
     }
     const QString path = item_.path();
-    QtConcurrent::run([path] { return readPicture(path); }).then(this, [this](const QImage& image) {
-        takeLoadedImage(image);
+    QtConcurrent::run([path] {
+        return readPicture(path);
+    }).then(this, [this](const ReadPicture& picture) {
+        takeLoadedImage(picture.image, picture.display, picture.message);
     });
 }
 
-void ScreenshotPreviewView::takeLoadedImage(const QImage& image) {
+void ScreenshotPreviewView::takeLoadedImage(const QImage& image, const QImage& display,
+                                            const QString& message) {
     if (!image.isNull()) {
         loadedImage_ = image;
     }
-    imageArea_->setImage(image);
+    imageArea_->setImage(image, display);
+    if (!fileGone_) {
+        imageArea_->setMessage(message);
+    }
     loadFinished_ = true;
     Q_EMIT imageLoadFinished();
 }
 
-void ScreenshotPreviewView::save() {
-    if (item_.isVideo() || !loadedImage_ || !imageArea_ || saving_) {
+void ScreenshotPreviewView::followRename(const QString& oldPath, const QString& newPath) {
+    if (oldPath != item_.path()) {
         return;
+    }
+    item_ = ScreenshotItem(newPath, item_.date(), item_.modifiedDate(), item_.thumbnail());
+    const QFileInfo file(newPath);
+    setAccessibleName(QStringLiteral("Preview of %1").arg(file.fileName()));
+    if (imageArea_) {
+        imageArea_->setAccessibleName(file.fileName());
+    }
+    previewSidebar_->followRename(newPath);
+    if (window() != this) {
+        window()->setWindowTitle(file.completeBaseName());
+        window()->setAccessibleName(file.fileName());
+    }
+}
+
+void ScreenshotPreviewView::followTrash(const QStringList& paths) {
+    if (fileGone_ || !paths.contains(item_.path())) {
+        return;
+    }
+    fileGone_ = true;
+    if (imageArea_) {
+        imageArea_->setMessage(QStringLiteral("“%1” was moved to the trash; the annotations "
+                                              "cannot be saved there.")
+                                   .arg(item_.fileName()));
+    }
+    Q_EMIT fileTrashed();
+}
+
+bool ScreenshotPreviewView::save() {
+    if (item_.isVideo() || !loadedImage_ || !imageArea_ || saving_ || fileGone_) {
+        return false;
     }
     const QRectF display = imageArea_->displayRect();
     if (display.width() <= 1 || display.height() <= 1) {
-        return;
+        return false;
     }
     const QImage image = *loadedImage_;
     const QSizeF imageSize = image.deviceIndependentSize();
@@ -290,8 +449,11 @@ void ScreenshotPreviewView::save() {
             saving_ = false;
             if (written) {
                 takeSavedImage(*flattened);
+            } else {
+                Q_EMIT saveFailed();
             }
         });
+    return true;
 }
 
 void ScreenshotPreviewView::takeSavedImage(const QImage& image) {
@@ -301,9 +463,7 @@ void ScreenshotPreviewView::takeSavedImage(const QImage& image) {
     while (!annotationState_.annotations().isEmpty() || annotationState_.cropRect()) {
         annotationState_.undo();
     }
-    if (refreshLibrary_) {
-        refreshLibrary_();
-    }
+    library_.refresh();
     Q_EMIT saved();
 }
 
@@ -340,7 +500,8 @@ bool ScreenshotPreviewView::eventFilter(QObject* watched, QEvent* event) {
     }
     auto* target = static_cast<QWidget*>(watched);
     auto* key = static_cast<QKeyEvent*>(event);
-    if (target->window() != window() || !isVisible() || !isSaveOrUndoKey(key)) {
+    if (target->window() != window() || !isVisible() ||
+        (!isCommandKey(key) && !isClosingEscape(key))) {
         return QWidget::eventFilter(watched, event);
     }
     if (type == QEvent::ShortcutOverride) {
@@ -349,12 +510,26 @@ bool ScreenshotPreviewView::eventFilter(QObject* watched, QEvent* event) {
         event->accept();
         return true;
     }
-    if (key->key() == Qt::Key_S) {
-        if (!key->isAutoRepeat()) {
-            save();
-        }
-    } else {
-        annotationState_.undo();
+    return handleKey(key);
+}
+
+bool ScreenshotPreviewView::handleKey(QKeyEvent* key) {
+    switch (key->key()) {
+        case Qt::Key_S:
+            if (!key->isAutoRepeat()) {
+                save();
+            }
+            break;
+        case Qt::Key_Z:
+            annotationState_.undo();
+            break;
+        default:
+            // Escape and Ctrl+W: the window's own close, which asks first
+            // when there is drawing to lose.
+            if (!key->isAutoRepeat()) {
+                window()->close();
+            }
+            break;
     }
     return true;
 }

@@ -4,7 +4,6 @@
 #include <QPointer>
 #include <QRectF>
 #include <QWidget>
-#include <functional>
 #include <optional>
 
 #include "annotation/annotation_state.h"
@@ -14,8 +13,10 @@ class AnnotationCanvasView;
 class AnnotationSidebar;
 class PreviewImageArea;
 class PreviewSidebar;
+class QKeyEvent;
 class QVariantAnimation;
 class ScreenshotMetadataStore;
+class ScreenshotStore;
 class VideoPlayerView;
 
 // The content of the preview window, one row: the annotation palette, the
@@ -23,17 +24,32 @@ class VideoPlayerView;
 // divider and the information panel. The picture is read off the GUI thread
 // when the view first appears. Ctrl+S (or Super+S) flattens the annotations
 // into the picture and writes it over the file as PNG; Ctrl+Z (or Super+Z)
-// takes back the newest shape; both only while the view is on screen.
+// takes back the newest shape; Escape (unless a text is being edited) and
+// Ctrl+W close the window; all only while the view is on screen.
+//
+// The view follows its file: when the library renames it, the view, its
+// panel and the window's title take the new name; when the library moves it
+// to the trash, the view reports it (fileTrashed) and refuses to save.
 class ScreenshotPreviewView : public QWidget {
     Q_OBJECT
 
 public:
     ScreenshotPreviewView(const ScreenshotItem& item, ScreenshotMetadataStore& metaStore,
-                          std::function<void()> refreshLibrary, QWidget* parent = nullptr);
+                          ScreenshotStore& library, QWidget* parent = nullptr);
     ~ScreenshotPreviewView() override;
 
-    // The file shown (its path follows a rename made in the panel).
+    // The file shown (its path follows a rename made in the panel or the
+    // gallery).
     const ScreenshotItem& item() const { return item_; }
+    // Whether closing now would lose drawing: shapes, a crop or typed text
+    // not yet saved into the picture. Never for a recording.
+    bool hasUnsavedChanges() const;
+    // Whether the file was moved to the trash while shown; saving is then
+    // refused.
+    bool isFileGone() const { return fileGone_; }
+    // The note shown over the picture ("too large", "moved to the trash"),
+    // empty when none.
+    QString message() const;
     AnnotationState& annotationState() { return annotationState_; }
     // The picture read from the file; nothing for a recording, before the
     // read has finished, or when the file cannot be read.
@@ -51,15 +67,21 @@ public:
     VideoPlayerView* videoPlayer() const { return videoPlayer_; }
 
     // Flattens the annotations into the picture and writes it over the file
-    // as PNG, on a worker thread. Does nothing for a recording, without a
-    // picture, or while the picture is shown 1 point wide or high or less.
-    void save();
+    // as PNG, on a worker thread; true when the write started (saved or
+    // saveFailed follows). Does nothing for a recording, without a picture,
+    // once the file is gone, while a save runs, or while the picture is
+    // shown 1 point wide or high or less.
+    bool save();
 
 Q_SIGNALS:
     // The read of the picture has finished (successfully or not).
     void imageLoadFinished();
     // A save has written the file and taken its result in.
     void saved();
+    // A started save could not write the file; nothing changed.
+    void saveFailed();
+    // The library moved the file to the trash.
+    void fileTrashed();
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -70,20 +92,24 @@ protected:
 private:
     void appear();
     void loadImage();
-    void takeLoadedImage(const QImage& image);
+    void takeLoadedImage(const QImage& image, const QImage& display, const QString& message);
+    void followRename(const QString& oldPath, const QString& newPath);
+    void followTrash(const QStringList& paths);
+    bool handleKey(QKeyEvent* key);
     void takeSavedImage(const QImage& image);
     void placeContent();
     void setEntrance(qreal progress);
 
     ScreenshotItem item_;
     ScreenshotMetadataStore& metaStore_;
-    std::function<void()> refreshLibrary_;
+    ScreenshotStore& library_;
     AnnotationState annotationState_;
     std::optional<QImage> loadedImage_;
     bool appeared_ = false;
     bool keyMonitorInstalled_ = false;
     bool loadFinished_ = false;
     bool saving_ = false;
+    bool fileGone_ = false;
     qreal entrance_ = 0.0;
 
     QWidget* content_ = nullptr;

@@ -146,7 +146,10 @@ void AppDelegate::showPillPanel() {
     // The settings and shelves windows are not built yet: their buttons only
     // close the popover.
     // exit(), not quit(): no window may veto quitting from the pill.
-    actions.quit = [] { QCoreApplication::exit(0); };
+    actions.quit = [] {
+        // Unsaved annotations in a preview are asked about first.
+        ScreenshotPreviewWindowController::settleUnsavedChanges([] { QCoreApplication::exit(0); });
+    };
     pillPanel_ = std::make_unique<PillPanel>(
         ScreenshotStore::shared(), PlatformServices::instance().soundPlayer(), std::move(actions));
     pillPanel_->setGeometry(PopoverPlacement::pillFrame(popoverFrame, screen->availableGeometry()));

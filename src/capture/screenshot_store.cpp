@@ -15,6 +15,7 @@
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
+#include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -23,6 +24,7 @@
 #include <vector>
 
 #include "capture/capture_registry.h"
+#include "capture/image_allocation_limit.h"
 #include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
@@ -209,6 +211,7 @@ ScreenshotStore::ScreenshotStore(const QString& desktopFolder, const QString& sc
       defaults_(defaults),
       videoFrameReader_(videoFrameReader ? std::move(videoFrameReader)
                                          : std::make_shared<FfmpegVideoFrameReader>()) {
+    raiseImageAllocationLimit();
     pool_.setMaxThreadCount(std::max(1, QThread::idealThreadCount()));
     thumbnailPool_.setMaxThreadCount(std::max(1, QThread::idealThreadCount()));
     // The first scan is published from the event loop: the shell's launch
@@ -516,6 +519,20 @@ void ScreenshotStore::removeFromList(const ScreenshotItem& item) {
     removeWhere([&id](const ScreenshotItem& listed) { return listed.id() == id; });
 }
 
+QFuture<CaptureRenameResult> ScreenshotStore::renameFile(const QString& path,
+                                                         const QString& newPath) {
+    ++fileOperationsRunning_;
+    return QtConcurrent::run(&pool_, [path, newPath] { return moveCaptureFile(path, newPath); })
+        .then(this, [this, path](const CaptureRenameResult& result) {
+            if (result.succeeded()) {
+                Q_EMIT fileRenamed(path, result.newPath);
+                refresh();
+            }
+            finishFileOperation();
+            return result;
+        });
+}
+
 void ScreenshotStore::autoClear(int days, const QDateTime& now) {
     if (days < 1) {
         return;
@@ -567,11 +584,21 @@ void ScreenshotStore::removeWhere(const std::function<bool(const ScreenshotItem&
 void ScreenshotStore::trashFiles(const QStringList& paths) {
     ++fileOperationsRunning_;
     pool_.start([this, paths] {
+        QStringList trashed;
         for (const QString& path : paths) {
-            QFile::moveToTrash(path);
+            if (QFile::moveToTrash(path)) {
+                trashed.append(path);
+            }
         }
         QMetaObject::invokeMethod(
-            this, [this] { finishFileOperation(); }, Qt::QueuedConnection);
+            this,
+            [this, trashed] {
+                if (!trashed.isEmpty()) {
+                    Q_EMIT filesTrashed(trashed);
+                }
+                finishFileOperation();
+            },
+            Qt::QueuedConnection);
     });
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QFuture>
 #include <QHash>
 #include <QList>
 #include <QObject>
@@ -11,6 +12,7 @@
 #include <memory>
 #include <vector>
 
+#include "capture/capture_file_rename.h"
 #include "capture/screenshot_item.h"
 
 class CaptureRegistry;
@@ -25,7 +27,9 @@ class VideoFrameReader;
 // capture registry holds are listed. The list is rescanned when a folder
 // changes, when the own-captures setting or "maxScreenshots" changes and on
 // request; items can be moved to the trash one at a time, by age and beyond
-// a count.
+// a count. Renames and moves to the trash made through the store are
+// announced (fileRenamed, filesTrashed), so that a window showing a file can
+// follow it.
 //
 // Confined to the GUI thread. Scans (listing, dates, the registry filter),
 // thumbnail decoding and file moves run on the store's worker threads;
@@ -82,6 +86,12 @@ public:
     // Drops the item from the list and leaves its file alone.
     void removeFromList(const ScreenshotItem& item);
 
+    // Moves the file at `path` to `newPath` on a worker thread, never
+    // replacing a file that exists there. On success fileRenamed is emitted
+    // and the folders are rescanned. The future finishes on the GUI thread
+    // after that, with the move's result.
+    QFuture<CaptureRenameResult> renameFile(const QString& path, const QString& newPath);
+
     // Moves every listed item created more than `days` days before `now` to
     // the trash; unlisted files are never touched and nothing is rescanned.
     // Days below 1 do nothing.
@@ -113,6 +123,10 @@ Q_SIGNALS:
     // The last running scan, thumbnail filling or file operation finished
     // and none waits.
     void becameIdle();
+    // renameFile moved a file.
+    void fileRenamed(const QString& oldPath, const QString& newPath);
+    // These files were moved to the trash (a move that failed is left out).
+    void filesTrashed(const QStringList& paths);
 
 private:
     // A thumbnail made for one version of a file (its id), kept so that a

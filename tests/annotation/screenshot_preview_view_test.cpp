@@ -9,9 +9,12 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QImageReader>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPointer>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QToolButton>
@@ -24,7 +27,11 @@
 #include "annotation/preview_sidebar.h"
 #include "annotation/screenshot_preview_window_controller.h"
 #include "app/app_signals.h"
+#include "capture/capture_registry.h"
+#include "capture/screenshot_store.h"
 #include "storage/screenshot_metadata_store.h"
+#include "storage/user_defaults.h"
+#include "storage/user_settings.h"
 
 namespace {
 
@@ -32,6 +39,16 @@ const QColor kBackground(200, 220, 240);
 
 bool isRed(QRgb pixel) {
     return qRed(pixel) > 180 && qGreen(pixel) < 120 && qBlue(pixel) < 120;
+}
+
+int countRed(const QImage& image) {
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            count += isRed(image.pixel(x, y)) ? 1 : 0;
+        }
+    }
+    return count;
 }
 
 QByteArray fileBytes(const QString& path) {
@@ -43,6 +60,32 @@ bool isPng(const QByteArray& bytes) {
     return bytes.startsWith(QByteArray("\x89PNG\r\n\x1a\n", 8));
 }
 
+// A real screenshot library with stores of its own under `root`; its scan
+// folders hold no pictures, so every scan it publishes was asked for.
+struct Library {
+    explicit Library(const QString& root)
+        : registry(root + "/library-data", root + "/library-legacy"),
+          settings(root + "/library-data", root + "/library-legacy"),
+          defaults(root + "/library-config/Quillix.conf"),
+          store(root + "/library-desktop", root + "/library-screenshots", registry, settings,
+                defaults) {
+        // The trash lives beside the files (the same file system).
+        QDir().mkpath(root + "/xdg-data");
+        qputenv("XDG_DATA_HOME", QFile::encodeName(root + "/xdg-data"));
+    }
+
+    // Rescans asked for so far (once the store is idle).
+    int refreshes() {
+        store.waitForIdle(10000);
+        return store.publishedScanCount() - 1;
+    }
+
+    CaptureRegistry registry;
+    UserSettings settings;
+    UserDefaults defaults;
+    ScreenshotStore store;
+};
+
 }  // namespace
 
 class ScreenshotPreviewViewTest : public QObject {
@@ -51,8 +94,10 @@ class ScreenshotPreviewViewTest : public QObject {
 private:
     std::unique_ptr<QTemporaryDir> folder;
     std::unique_ptr<ScreenshotMetadataStore> store;
+    std::unique_ptr<Library> library;
     std::unique_ptr<ScreenshotPreviewView> view;
-    int refreshes = 0;
+
+    int refreshes() { return library->refreshes(); }
 
     QString filePath(const QString& name) const { return QDir(folder->path()).filePath(name); }
 
@@ -69,7 +114,7 @@ private:
     void openView(const QString& path) {
         view = std::make_unique<ScreenshotPreviewView>(
             ScreenshotItem(path, QDateTime::currentDateTime(), QDateTime::currentDateTime()),
-            *store, [this] { ++refreshes; });
+            *store, library->store);
         const int besideImage = AnnotationSidebar::kWidth + 1 + PreviewSidebar::kWidth;
         view->resize(besideImage + 448, 348);
         view->show();
@@ -88,6 +133,39 @@ private:
         QTest::mouseRelease(canvas, Qt::LeftButton, {}, b);
     }
 
+    // A preview window as the gallery opens it, with its picture read.
+    QPointer<QWidget> openWindow(const QString& path) {
+        QPointer<QWidget> window = ScreenshotPreviewWindowController::open(
+            ScreenshotItem(path, QDateTime::currentDateTime(), QDateTime::currentDateTime()),
+            *store, library->store);
+        [&] {
+            QVERIFY(QTest::qWaitForWindowExposed(window));
+            QTRY_VERIFY_WITH_TIMEOUT(
+                ScreenshotPreviewWindowController::of(window)->view()->hasFinishedLoading(), 10000);
+        }();
+        return window;
+    }
+
+    static QStringList buttonTexts(QMessageBox* box) {
+        QStringList texts;
+        for (QAbstractButton* button : box->buttons()) {
+            texts << button->text();
+        }
+        texts.sort();
+        return texts;
+    }
+
+    static void answer(QMessageBox* box, const QString& text) {
+        for (QAbstractButton* button : box->buttons()) {
+            if (button->text() == text) {
+                QCOMPARE(button->accessibleName(), text);
+                button->click();
+                return;
+            }
+        }
+        QFAIL(qPrintable(QStringLiteral("no button %1").arg(text)));
+    }
+
     QImage saveAndRead() {
         QSignalSpy saved(view.get(), &ScreenshotPreviewView::saved);
         QTest::keyClick(view.get(), Qt::Key_S, Qt::ControlModifier);
@@ -103,11 +181,16 @@ private Q_SLOTS:
         QVERIFY(folder->isValid());
         QDir(folder->path()).mkpath(QStringLiteral("data"));
         store = std::make_unique<ScreenshotMetadataStore>(filePath(QStringLiteral("data")));
-        refreshes = 0;
+        library = std::make_unique<Library>(folder->path());
+        library->store.waitForIdle(10000);
     }
 
     void cleanup() {
         view.reset();
+        // Windows opened through the controller go with their deferred
+        // deletion before the stores they use.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        library.reset();
         store.reset();
         folder.reset();
     }
@@ -157,7 +240,7 @@ private Q_SLOTS:
         QVERIFY(view->annotationState().annotations().isEmpty());
         QCOMPARE(view->annotationState().activeTool(), AnnotationTool::rectangle);
         QVERIFY(view->annotationState().isDrawingEnabled());
-        QCOMPARE(refreshes, 1);
+        QCOMPARE(refreshes(), 1);
         QCOMPARE(view->loadedImage()->pixel(400, 300), saved.pixel(400, 300));
     }
 
@@ -182,7 +265,7 @@ private Q_SLOTS:
         QCOMPARE(saved.size(), QSize(400, 300));
         QVERIFY(!view->annotationState().cropRect());
         QCOMPARE(view->loadedImage()->size(), QSize(400, 300));
-        QCOMPARE(refreshes, 2);
+        QCOMPARE(refreshes(), 2);
     }
 
     void saveKeyRewritesAJpegAsPngAndUndoKeyTakesBack() {
@@ -208,13 +291,13 @@ private Q_SLOTS:
         const QByteArray bytes = fileBytes(path);
         QVERIFY(isPng(bytes));
         QCOMPARE(QImage::fromData(bytes).size(), QSize(800, 600));
-        QCOMPARE(refreshes, 1);
+        QCOMPARE(refreshes(), 1);
         QCOMPARE(QDir(folder->path()).entryList(QDir::Files), QStringList{"photo.jpg"});
 
         // Super+S saves too; other keys with Ctrl are left alone.
         QTest::keyClick(view.get(), Qt::Key_S, Qt::MetaModifier);
         QVERIFY(saved.wait(10000));
-        QCOMPARE(refreshes, 2);
+        QCOMPARE(refreshes(), 2);
     }
 
     void unreadablePictureLeavesTheAreaEmptyAndSaveDoesNothing() {
@@ -232,7 +315,7 @@ private Q_SLOTS:
         QTest::keyClick(view.get(), Qt::Key_S, Qt::ControlModifier);
         QVERIFY(!saved.wait(500));
         QCOMPARE(fileBytes(path), QByteArray("this is not a picture"));
-        QCOMPARE(refreshes, 0);
+        QCOMPARE(refreshes(), 0);
         QCOMPARE(view->annotationState().annotations().size(), 1);
     }
 
@@ -242,7 +325,7 @@ private Q_SLOTS:
         store->setColorLabel(ColorLabel::blue, path);
         QPointer<QWidget> window = ScreenshotPreviewWindowController::open(
             ScreenshotItem(path, QDateTime::currentDateTime(), QDateTime::currentDateTime()),
-            *store, [this] { ++refreshes; });
+            *store, library->store);
         QVERIFY(window);
         QVERIFY(QTest::qWaitForWindowExposed(window));
         QCOMPARE(window->windowTitle(), QStringLiteral("shot"));
@@ -267,7 +350,7 @@ private Q_SLOTS:
         QVERIFY(!panel->renameErrorLabel()->text().isEmpty());
         QVERIFY(panel->isEditingName());
         QVERIFY(QFile::exists(path));
-        QCOMPARE(refreshes, 0);
+        QCOMPARE(refreshes(), 0);
 
         // Spaces only just close the editor.
         panel->nameField()->setText(QStringLiteral("   "));
@@ -286,7 +369,7 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(path));
         QCOMPARE(window->windowTitle(), QStringLiteral("Bug report"));
         QCOMPARE(panel->nameLabel()->text(), QStringLiteral("Bug report.png"));
-        QCOMPARE(refreshes, 1);
+        QCOMPARE(refreshes(), 1);
         // The label stays with the old name; the renamed file has none.
         QCOMPARE(store->recordFor(path).colorLabel, ColorLabel::blue);
         QVERIFY(!panel->metadata().colorLabel);
@@ -357,6 +440,145 @@ private Q_SLOTS:
         QVERIFY(panel->addEventButton()->isVisible());
         // The tiny picture is enlarged to fill the area.
         QCOMPARE(view->imageDisplayRect().height(), 348.0 - 48.0);
+    }
+
+    // Closing with drawing: Cancel keeps it, Discard closes without
+    // writing, Save writes and closes; Escape and Ctrl+W close like the
+    // window's button; Escape in a text field does not; no drawing, no
+    // question.
+    void unsavedAnnotationsAreNeverLostWithoutAQuestion() {
+        const QString path = writePicture(QStringLiteral("drawn.png"), {200, 150});
+        const QByteArray original = fileBytes(path);
+        QPointer<QWidget> window = openWindow(path);
+        ScreenshotPreviewWindowController* controller =
+            ScreenshotPreviewWindowController::of(window);
+        controller->view()->annotationState().add({Annotation::Rectangle{
+            controller->view()->imageDisplayRect().adjusted(10, 10, -10, -10), Qt::red}});
+        QVERIFY(controller->view()->hasUnsavedChanges());
+
+        window->close();
+        QMessageBox* question = controller->question();
+        QVERIFY(question);
+        QTRY_VERIFY(question->isVisible());
+        QCOMPARE(question->windowTitle(), QStringLiteral("Unsaved Annotations"));
+        QCOMPARE(buttonTexts(question), (QStringList{"Cancel", "Discard", "Save"}));
+        answer(question, QStringLiteral("Cancel"));
+        QTest::qWait(300);
+        QVERIFY(window && window->isVisible());
+        QCOMPARE(controller->view()->annotationState().annotations().size(), 1);
+
+        // Escape from the window asks the same; Discard closes unwritten.
+        QTest::keyClick(window, Qt::Key_Escape);
+        QTRY_VERIFY(controller->question());
+        answer(controller->question(), QStringLiteral("Discard"));
+        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+        QCOMPARE(fileBytes(path), original);
+
+        // Ctrl+W asks; Save writes the drawing, then closes.
+        window = openWindow(path);
+        controller = ScreenshotPreviewWindowController::of(window);
+        controller->view()->annotationState().add({Annotation::Rectangle{
+            controller->view()->imageDisplayRect().adjusted(10, 10, -10, -10), Qt::red}});
+        // While the name is being edited, Escape belongs to the field.
+        QTest::mouseClick(controller->view()->previewSidebar()->renameButton(), Qt::LeftButton);
+        QTest::keyClick(controller->view()->previewSidebar()->nameField(), Qt::Key_Escape);
+        QTest::qWait(100);
+        QVERIFY(!controller->question());
+        QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier);
+        QTRY_VERIFY(controller->question());
+        answer(controller->question(), QStringLiteral("Save"));
+        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 10000);
+        QVERIFY(countRed(QImage(path)) > 100);
+
+        // Nothing drawn: Escape closes at once.
+        window = openWindow(path);
+        QTest::keyClick(window, Qt::Key_Escape);
+        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+    }
+
+    // Renamed or trashed through the library (as the gallery does), the open
+    // preview follows: new name, title and save target; a trashed file with
+    // drawing keeps its window, says so, refuses to save and asks before
+    // closing without offering "Save"; one without drawing closes.
+    void previewFollowsItsFileThroughTheLibrary() {
+        const QString path = writePicture(QStringLiteral("moved.png"), {200, 150});
+        QPointer<QWidget> window = openWindow(path);
+        ScreenshotPreviewView* view = ScreenshotPreviewWindowController::of(window)->view();
+        const QString renamed = filePath(QStringLiteral("Renamed.png"));
+        QFuture<CaptureRenameResult> rename = library->store.renameFile(path, renamed);
+        QTRY_VERIFY_WITH_TIMEOUT(rename.isFinished(), 10000);
+        QVERIFY(rename.result().succeeded());
+        QCOMPARE(view->item().path(), renamed);
+        QCOMPARE(window->windowTitle(), QStringLiteral("Renamed"));
+        QCOMPARE(view->previewSidebar()->nameLabel()->text(), QStringLiteral("Renamed.png"));
+        view->annotationState().add({Annotation::Rectangle{QRectF(5, 5, 20, 20), Qt::red}});
+        QSignalSpy saved(view, &ScreenshotPreviewView::saved);
+        QVERIFY(view->save());
+        QVERIFY(saved.wait(10000));
+        QVERIFY(!QFile::exists(path));
+        QVERIFY(QFile::exists(renamed));
+
+        // Trashed with drawing: stays, says so, refuses to save.
+        view->annotationState().add({Annotation::Rectangle{QRectF(5, 5, 20, 20), Qt::red}});
+        QSignalSpy trashed(view, &ScreenshotPreviewView::fileTrashed);
+        library->store.moveToTrash(ScreenshotItem(renamed, {}, {}));
+        QVERIFY(trashed.wait(10000));
+        QVERIFY(view->isFileGone());
+        QVERIFY(view->message().contains(QStringLiteral("trash")));
+        QVERIFY(!view->save());
+        QTest::qWait(200);
+        QVERIFY(window && window->isVisible());
+        window->close();
+        QTRY_VERIFY(ScreenshotPreviewWindowController::of(window)->question());
+        QMessageBox* question = ScreenshotPreviewWindowController::of(window)->question();
+        QCOMPARE(buttonTexts(question), (QStringList{"Cancel", "Discard"}));
+        answer(question, QStringLiteral("Discard"));
+        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+        QVERIFY(!QFile::exists(renamed));
+        QVERIFY(QFile::exists(filePath(QStringLiteral("xdg-data/Trash/files/Renamed.png"))));
+
+        // Trashed without drawing: the window closes by itself.
+        const QString other = writePicture(QStringLiteral("other.png"), {200, 150});
+        window = openWindow(other);
+        library->store.moveToTrash(ScreenshotItem(other, {}, {}));
+        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 10000);
+    }
+
+    // 960 × 640 centred on a large screen; shrunk with its minimum to the
+    // free area less the margin on a small (or scaled) one.
+    void windowSizeFitsTheScreen() {
+        using Controller = ScreenshotPreviewWindowController;
+        QCOMPARE(Controller::fittedGeometry(QRect(0, 24, 1920, 1056)), QRect(480, 232, 960, 640));
+        QCOMPARE(Controller::fittedMinimumSize(QRect(0, 24, 1920, 1056)), QSize(600, 400));
+        // 1920 × 1080 at 200 % under a 24-pixel panel.
+        QCOMPARE(Controller::fittedGeometry(QRect(0, 12, 960, 528)), QRect(24, 36, 912, 480));
+        QCOMPARE(Controller::fittedMinimumSize(QRect(0, 12, 960, 528)), QSize(600, 400));
+        QCOMPARE(Controller::fittedGeometry(QRect(100, 0, 500, 300)), QRect(124, 24, 452, 252));
+        QCOMPARE(Controller::fittedMinimumSize(QRect(100, 0, 500, 300)), QSize(452, 252));
+
+        QPointer<QWidget> window = openWindow(writePicture(QStringLiteral("sized.png")));
+        const QRect available = window->screen()->availableGeometry();
+        QCOMPARE(window->size(), Controller::fittedGeometry(available).size());
+        QVERIFY(available.contains(window->frameGeometry()));
+        window->close();
+        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+    }
+
+    // A picture beyond what the program may allocate for one image says so
+    // instead of staying blank.
+    void pictureBeyondTheAllocationLimitSaysItIsTooLarge() {
+        const QString path = writePicture(QStringLiteral("big.png"), {1024, 1024});
+        const int limit = QImageReader::allocationLimit();
+        QImageReader::setAllocationLimit(1);  // MB; the picture needs 4
+        openView(path);
+        QImageReader::setAllocationLimit(limit);
+        QVERIFY(!view->loadedImage());
+        QCOMPARE(view->message(),
+                 QStringLiteral("This picture is too large to show (1024 × 1024 pixels)."));
+        // Under the limit the program sets, it shows.
+        openView(path);
+        QCOMPARE(view->loadedImage()->size(), QSize(1024, 1024));
+        QVERIFY(view->message().isEmpty());
     }
 
     void delayedShowClosesThePopoverFirst() {

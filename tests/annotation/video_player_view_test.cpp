@@ -15,7 +15,11 @@
 
 #include "annotation/annotation_sidebar.h"
 #include "annotation/screenshot_preview_view.h"
+#include "capture/capture_registry.h"
+#include "capture/screenshot_store.h"
 #include "storage/screenshot_metadata_store.h"
+#include "storage/user_defaults.h"
+#include "storage/user_settings.h"
 
 class VideoPlayerViewTest : public QObject {
     Q_OBJECT
@@ -71,10 +75,15 @@ private Q_SLOTS:
     void previewTreatsTheClipAsARecording() {
         QTemporaryDir data;
         ScreenshotMetadataStore store(data.path());
-        int refreshes = 0;
+        // A library of its own over empty folders: any scan was asked for.
+        CaptureRegistry registry(data.filePath("library"), data.filePath("legacy"));
+        UserSettings settings(data.filePath("library"), data.filePath("legacy"));
+        UserDefaults defaults(data.filePath("config/Quillix.conf"));
+        ScreenshotStore library(data.filePath("desktop"), data.filePath("screenshots"), registry,
+                                settings, defaults);
         ScreenshotPreviewView view(
             ScreenshotItem(clipPath, QDateTime::currentDateTime(), QDateTime::currentDateTime()),
-            store, [&refreshes] { ++refreshes; });
+            store, library);
         view.resize(900, 500);
         view.show();
         QVERIFY(QTest::qWaitForWindowExposed(&view));
@@ -92,7 +101,8 @@ private Q_SLOTS:
         QFile file(clipPath);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(file.readAll(), before);
-        QCOMPARE(refreshes, 0);
+        QVERIFY(library.waitForIdle(10000));
+        QCOMPARE(library.publishedScanCount(), 1);  // its first scan only
     }
 };
 

@@ -17,6 +17,7 @@
 #include <memory>
 
 #include "capture/capture_registry.h"
+#include "capture/image_allocation_limit.h"
 #include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
@@ -412,6 +413,41 @@ TEST_F(ScreenshotStoreTest, MoveToTrashMovesTheFileAndRemoveFromListLeavesIt) {
     EXPECT_TRUE(QFileInfo::exists(desktop("keep-file.png")));
 }
 
+TEST_F(ScreenshotStoreTest, RenamesAndTrashMovesAreAnnouncedForWindowsShowingTheFile) {
+    writePng(desktop("shown.png"));
+    writePng(desktop("taken.png"));
+    const auto store = openStore();
+    QStringList renamed;
+    QStringList trashedPaths;
+    QObject::connect(store.get(), &ScreenshotStore::fileRenamed,
+                     [&](const QString& from, const QString& to) { renamed << from << to; });
+    QObject::connect(store.get(), &ScreenshotStore::filesTrashed,
+                     [&](const QStringList& paths) { trashedPaths << paths; });
+
+    // A name that is taken fails, announces nothing and keeps both files.
+    QFuture<CaptureRenameResult> refused =
+        store->renameFile(desktop("shown.png"), desktop("taken.png"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return refused.isFinished(); }, kEventTimeoutMs));
+    EXPECT_FALSE(refused.result().succeeded());
+    EXPECT_TRUE(renamed.isEmpty());
+
+    QFuture<CaptureRenameResult> moved =
+        store->renameFile(desktop("shown.png"), desktop("Bug.png"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return moved.isFinished(); }, kEventTimeoutMs));
+    EXPECT_TRUE(moved.result().succeeded());
+    EXPECT_EQ(renamed, (QStringList{desktop("shown.png"), desktop("Bug.png")}));
+    EXPECT_TRUE(waitForNames(*store, {"Bug.png", "taken.png"}));  // rescanned
+
+    // A trash move is announced once the file is gone; a failed one is not.
+    store->moveToTrash(*find(*store, "Bug.png"));
+    ASSERT_TRUE(store->waitForIdle());
+    EXPECT_EQ(trashedPaths, QStringList{desktop("Bug.png")});
+    EXPECT_TRUE(QFileInfo::exists(trashed("Bug.png")));
+    store->moveToTrash(ScreenshotItem(desktop("missing.png"), {}, {}));
+    ASSERT_TRUE(store->waitForIdle());
+    EXPECT_EQ(trashedPaths, QStringList{desktop("Bug.png")});
+}
+
 TEST_F(ScreenshotStoreTest, PruneBeyondTrashesTheTailAndTrimToOnlyShortens) {
     for (const char* name : {"1.png", "2.png", "3.png", "4.png"}) {
         writePng(desktop(name));
@@ -621,3 +657,12 @@ TEST(ScreenshotItemTest, IdIsPathDashAndModificationSeconds) {
 }
 
 }  // namespace
+
+TEST(ImageAllocationLimitTest, AQuarterOfTheMemoryBetweenQtsDefaultAndFourGigabytes) {
+    constexpr qint64 gigabyte = 1024LL * 1024 * 1024;
+    EXPECT_EQ(imageAllocationLimitMegabytes(0), 256);  // unknown
+    EXPECT_EQ(imageAllocationLimitMegabytes(gigabyte / 2), 256);
+    EXPECT_EQ(imageAllocationLimitMegabytes(4 * gigabyte), 1024);
+    EXPECT_EQ(imageAllocationLimitMegabytes(8 * gigabyte), 2048);
+    EXPECT_EQ(imageAllocationLimitMegabytes(64 * gigabyte), 4096);
+}

@@ -149,9 +149,8 @@ class Gallery(unittest.TestCase):
     def test_click_opens_the_preview_and_ctrl_s_burns_in_a_rectangle(self):
         self.open_gallery()
         click_control("gamma.png")
-        wait_until(lambda: viewable_windows("gamma"), what="the preview window")
+        preview = wait_until(lambda: viewable_windows("gamma"), what="the preview window")[0]
         self.assertFalse(viewable_windows(POPOVER))
-        preview = viewable_windows("gamma")[0]
         time.sleep(0.6)
         click_control("Rectangle")
         x, y, width, height = window_geometry(preview)
@@ -183,8 +182,9 @@ class Gallery(unittest.TestCase):
         wait_until(lambda: "clip.MOV" in call_app("ListedFiles"), what="the clip listed")
         self.open_gallery()
         click_control("clip.MOV")
-        wait_until(lambda: viewable_windows("clip"), what="the preview of the clip")
-        window = viewable_windows("clip")[0]
+        # A search may miss a window while others come and go: use the
+        # answer that found it.
+        window = wait_until(lambda: viewable_windows("clip"), what="the preview of the clip")[0]
         time.sleep(1.0)
         shots = []
         for index in range(2):

@@ -40,7 +40,10 @@ public:
         : QPushButton(parent), symbol_(symbol) {
         setFlat(true);
         setCursor(Qt::PointingHandCursor);
-        setFocusPolicy(Qt::NoFocus);
+        // Reached by Tab only (a click must not move the keyboard), pressed
+        // with Return as well as Space.
+        setFocusPolicy(Qt::TabFocus);
+        setAutoDefault(true);
         setAccessibleName(label);
         setToolTip(symbol.isEmpty() ? QString() : label);
         if (symbol.isEmpty()) {
@@ -49,7 +52,12 @@ public:
         QFont font = this->font();
         font.setPixelSize(13);
         setFont(font);
-        setStyleSheet(QStringLiteral("QPushButton { border: none; background: transparent; }"));
+        // The focus shows as an accent outline; the transparent one keeps
+        // the size the same without it.
+        setStyleSheet(
+            QStringLiteral("QPushButton { border: 2px solid transparent; border-radius: 6px; "
+                           "background: transparent; padding: 1px 4px; }"
+                           "QPushButton:focus { border-color: palette(highlight); }"));
         applyColor();
     }
 

@@ -39,6 +39,8 @@ public:
     QPushButton* settingsButton() const { return settings_; }
     QPushButton* shelvesButton() const { return shelves_; }
     QPushButton* quitButton() const { return quit_; }
+    // The buttons in Tab order: "Settings", shelves, "Quit".
+    QList<QPushButton*> buttons() const { return {settings_, shelves_, quit_}; }
     QWidget* trashIcon() const;
 
     // The trash hooks.

@@ -1,5 +1,6 @@
 #include "ui/gallery/menu_bar_view.h"
 
+#include <QApplication>
 #include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
 #include <QIcon>
@@ -26,6 +27,7 @@
 #include "ui/gallery/filter_toggle_button.h"
 #include "ui/gallery/gallery_grid_view.h"
 #include "ui/gallery/gallery_style.h"
+#include "ui/gallery/pill_panel.h"
 #include "ui/gallery/screenshot_filter_model.h"
 #include "ui/gallery/screenshot_list_model.h"
 #include "ui/gallery/screenshot_thumbnail.h"
@@ -592,4 +594,59 @@ void MenuBarView::showEvent(QShowEvent* event) {
 void MenuBarView::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     content_->resize(event->size());
+}
+
+MenuBarView* MenuBarView::shown() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible()) {
+            continue;
+        }
+        if (auto* gallery = qobject_cast<MenuBarView*>(window)) {
+            return gallery;
+        }
+        if (auto* gallery = window->findChild<MenuBarView*>()) {
+            return gallery;
+        }
+    }
+    return nullptr;
+}
+
+QList<QWidget*> MenuBarView::tabStops() const {
+    QList<QWidget*> stops;
+    QWidget* widget = const_cast<MenuBarView*>(this);
+    while ((widget = widget->nextInFocusChain()) != this) {
+        if (isAncestorOf(widget) && (widget->focusPolicy() & Qt::TabFocus) != 0 &&
+            widget->isEnabled() && widget->isVisibleTo(this) && widget->focusProxy() == nullptr) {
+            stops.append(widget);
+        }
+    }
+    return stops;
+}
+
+void MenuBarView::takeFocus(bool first) {
+    const QList<QWidget*> stops = tabStops();
+    if (stops.isEmpty()) {
+        return;
+    }
+    window()->raise();
+    window()->activateWindow();
+    if (first) {
+        stops.constFirst()->setFocus(Qt::TabFocusReason);
+    } else {
+        stops.constLast()->setFocus(Qt::BacktabFocusReason);
+    }
+}
+
+bool MenuBarView::focusNextPrevChild(bool next) {
+    // The popover and the pill are two windows: Tab crosses between them
+    // where each one's own order ends.
+    const QList<QWidget*> stops = tabStops();
+    const QWidget* focus = QApplication::focusWidget();
+    PillPanel* pill = PillPanel::shown();
+    if (pill != nullptr && !stops.isEmpty() && focus != nullptr &&
+        focus == (next ? stops.constLast() : stops.constFirst())) {
+        pill->takeFocus(next);
+        return true;
+    }
+    return QWidget::focusNextPrevChild(next);
 }

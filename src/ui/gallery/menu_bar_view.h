@@ -35,6 +35,10 @@ class UserSettings;
 // or a short message when there is nothing to show. It follows the library,
 // the metadata and the hotkey settings live. Closing the filter panel clears
 // every filter. Every opening of the popover slides the content in.
+//
+// Tab walks the header, the open filter panel and the grid; past the grid
+// (and back before the header) the keyboard moves on into the pill under
+// the popover, whose last button leads back here.
 class MenuBarView : public QWidget {
     Q_OBJECT
 
@@ -72,6 +76,14 @@ public:
     // Fades and slides the content into place.
     void runEntranceAnimation();
 
+    // The gallery whose window is on screen, if any.
+    static MenuBarView* shown();
+    // Takes the keyboard focus from the pill: onto the first control, or
+    // onto the last when walking backwards.
+    void takeFocus(bool first);
+    // The controls Tab stops at, in order.
+    QList<QWidget*> tabStops() const;
+
     // Number of items shown and in the library.
     int shownCount() const;
     int totalCount() const;
@@ -104,6 +116,7 @@ Q_SIGNALS:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -1,11 +1,16 @@
 #include "ui/gallery/pill_panel.h"
 
+#include <QApplication>
 #include <QDragEnterEvent>
+#include <QKeyEvent>
+#include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QVariantAnimation>
 
+#include "app/app_signals.h"
 #include "app/popover_placement.h"
+#include "ui/gallery/menu_bar_view.h"
 
 namespace {
 
@@ -17,9 +22,12 @@ constexpr int kFadeDurationMs = 280;
 PillPanel::PillPanel(ScreenshotStore& library, SoundPlayer& sounds, FooterPillView::Actions actions,
                      QWidget* parent)
     : FloatingPanel(QStringLiteral("Quillix controls"), PopoverPlacement::kPillSize.height() / 2,
-                    Focus::refuses, parent),
+                    Focus::accepts, parent),
       content_(new FooterPillView(library, sounds, std::move(actions), this)),
       fade_(new QVariantAnimation(this)) {
+    // The window can hold the keyboard (for Tab from the gallery) but is
+    // never activated by being shown.
+    setAttribute(Qt::WA_ShowWithoutActivating);
     setFixedSize(PopoverPlacement::kPillSize);
     setAcceptDrops(true);
     auto* layout = new QVBoxLayout(this);
@@ -39,6 +47,46 @@ void PillPanel::showFadingIn() {
     show();
     raise();
     QTimer::singleShot(kFadeDelayMs, fade_, [this] { fade_->start(); });
+}
+
+PillPanel* PillPanel::shown() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (auto* pill = qobject_cast<PillPanel*>(window); pill != nullptr && pill->isVisible()) {
+            return pill;
+        }
+    }
+    return nullptr;
+}
+
+void PillPanel::takeFocus(bool first) {
+    raise();
+    activateWindow();
+    const QList<QPushButton*> buttons = content_->buttons();
+    if (first) {
+        buttons.constFirst()->setFocus(Qt::TabFocusReason);
+    } else {
+        buttons.constLast()->setFocus(Qt::BacktabFocusReason);
+    }
+}
+
+bool PillPanel::focusNextPrevChild(bool next) {
+    const QList<QPushButton*> buttons = content_->buttons();
+    const QWidget* focus = QApplication::focusWidget();
+    MenuBarView* gallery = MenuBarView::shown();
+    if (gallery != nullptr && focus == (next ? buttons.constLast() : buttons.constFirst())) {
+        gallery->takeFocus(next);
+        return true;
+    }
+    return FloatingPanel::focusNextPrevChild(next);
+}
+
+void PillPanel::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        Q_EMIT AppSignals::instance().quillixClosePopover();
+        event->accept();
+        return;
+    }
+    FloatingPanel::keyPressEvent(event);
 }
 
 void PillPanel::dragEnterEvent(QDragEnterEvent* event) {

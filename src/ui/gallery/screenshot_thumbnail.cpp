@@ -25,6 +25,7 @@ namespace {
 
 constexpr qreal kCornerRadius = 7;
 constexpr qreal kBorderWidth = 1.5;
+constexpr qreal kFocusRingWidth = 2;
 constexpr qreal kHoverScale = 1.04;
 constexpr int kHoverDurationMs = 200;
 // Room around a cell for its hover growth and shadow when repainting.
@@ -398,6 +399,16 @@ void ScreenshotThumbnail::paint(QPainter* painter, const QStyleOptionViewItem& o
         painter->drawRoundedRect(cell.adjusted(inset, inset, -inset, -inset), kCornerRadius - inset,
                                  kCornerRadius - inset);
     }
+    if (option.state.testFlag(QStyle::State_HasFocus)) {
+        // The keyboard's place: an accent ring along the cell's edge, over
+        // any label border (drawn inside the cell, which is what a change of
+        // the current cell repaints).
+        const qreal inset = kFocusRingWidth / 2;
+        painter->setPen(QPen(option.palette.color(QPalette::Highlight), kFocusRingWidth));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRoundedRect(cell.adjusted(inset, inset, -inset, -inset), kCornerRadius - inset,
+                                 kCornerRadius - inset);
+    }
     painter->restore();
 }
 
@@ -416,6 +427,15 @@ void ScreenshotThumbnail::openMenu(const QModelIndex& index, const QPoint& globa
                                                      liveView() ? liveView()->viewport() : nullptr);
     menu->exec(globalPos);
     delete menu.data();
+}
+
+void ScreenshotThumbnail::activate(const QModelIndex& index) {
+    const QVariant data = index.data(ScreenshotListModel::ItemRole);
+    if (!data.canConvert<ScreenshotItem>()) {
+        return;
+    }
+    QTimer::singleShot(0, this,
+                       [this, item = data.value<ScreenshotItem>()] { Q_EMIT selected(item); });
 }
 
 bool ScreenshotThumbnail::eventFilter(QObject* watched, QEvent* event) {
@@ -471,14 +491,9 @@ bool ScreenshotThumbnail::eventFilter(QObject* watched, QEvent* event) {
             pressedIndex_ = QPersistentModelIndex();
             if (mouse->button() == Qt::LeftButton && pressed.isValid() &&
                 view->indexAt(mouse->position().toPoint()) == pressed) {
-                const QVariant data = pressed.data(ScreenshotListModel::ItemRole);
-                if (data.canConvert<ScreenshotItem>()) {
-                    // Reported from the event loop, after the view has seen
-                    // the release: the receiver may close or rebuild the grid.
-                    QTimer::singleShot(0, this, [this, item = data.value<ScreenshotItem>()] {
-                        Q_EMIT selected(item);
-                    });
-                }
+                // Reported from the event loop, after the view has seen the
+                // release: the receiver may close or rebuild the grid.
+                activate(pressed);
             }
             break;
         }

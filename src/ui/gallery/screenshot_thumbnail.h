@@ -23,7 +23,8 @@ class ThumbnailActions;
 // hover card, the border, and the per-capture context menu. Once attached
 // to a view it follows the pointer over the view's viewport (hover effects,
 // pointing-hand cursor), opens the context menu, and reports a click on a
-// cell through `selected`. Dragging a cell out is the view's own drag of the
+// cell through `selected`. The cell with the keyboard focus wears an accent
+// ring. Dragging a cell out is the view's own drag of the
 // model's text/uri-list. GUI thread only.
 class ScreenshotThumbnail : public QStyledItemDelegate {
     Q_OBJECT
@@ -58,6 +59,9 @@ public:
     // Shows the context menu of the cell at `index` at `globalPos` and runs
     // the chosen entry.
     void openMenu(const QModelIndex& index, const QPoint& globalPos);
+    // Opens the cell as a click does (from the keyboard or a screen reader):
+    // `selected` follows from the event loop.
+    void activate(const QModelIndex& index);
 
 Q_SIGNALS:
     // The user clicked the cell of this item.

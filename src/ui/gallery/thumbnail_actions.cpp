@@ -145,13 +145,12 @@ QFuture<std::optional<CaptureRenameResult>> ThumbnailActions::rename(const Scree
     if (!destination) {
         return QtFuture::makeReadyFuture(Outcome());
     }
-    const QString to = *destination;
-    return QtConcurrent::run([path, to] { return moveCaptureFile(path, to); })
+    // The library moves the file and rescans, and tells an open preview of
+    // it. The label and event stay filed under the old name.
+    return library()
+        .renameFile(path, *destination)
         .then(this, [this](const CaptureRenameResult& result) {
-            if (result.succeeded()) {
-                // The label and event stay filed under the old name.
-                library().refresh();
-            } else {
+            if (!result.succeeded()) {
                 QMessageBox box(QMessageBox::Warning, tr("Rename failed"), tr("Rename failed"),
                                 QMessageBox::Ok, dialogParent_);
                 box.setInformativeText(result.errorMessage);

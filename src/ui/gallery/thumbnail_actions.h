@@ -57,8 +57,8 @@ public:
     // and its PNG bytes on the clipboard. The future holds whether it did:
     // a file that does not load is skipped silently.
     QFuture<bool> copyImage(const ScreenshotItem& item);
-    // Asks for a new base name ("Rename Screenshot") and moves the file on a
-    // worker thread: same folder and extension. Success rescans the library
+    // Asks for a new base name ("Rename Screenshot") and has the library
+    // move the file: same folder and extension. Success rescans the library
     // (the metadata stays under the old name); failure shows "Rename
     // failed" with the system's message. The future finishes after that
     // and holds the move's result; nothing when the prompt was cancelled or

@@ -1,6 +1,7 @@
 #include "ui/gallery/menu_bar_view.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QDir>
 #include <QHBoxLayout>
 #include <QImage>
@@ -500,6 +501,79 @@ private Q_SLOTS:
         Q_EMIT view.thumbnailDelegate()->selected(item);
         QCOMPARE(spy.count(), 1);
         QCOMPARE(spy.at(0).at(0).value<ScreenshotItem>().id(), item.id());
+    }
+
+    // Tab reaches the grid; arrows move, Return opens, Delete trashes, and
+    // the focused cell wears the accent ring.
+    void theGridWorksFromTheKeyboard() {
+        MenuBarView& view = openView(kThreeFiles);
+        // The trash beside the files (the same file system).
+        QDir().mkpath(library_->dir.filePath("data"));
+        qputenv("XDG_DATA_HOME", QFile::encodeName(library_->dir.filePath("data")));
+        GalleryGridView* grid = view.gridView();
+        view.activateWindow();
+        view.filterToggle()->setFocus(Qt::TabFocusReason);
+        const QImage unfocused = grid->viewport()->grab().toImage();
+        QTest::keyClick(view.filterToggle(), Qt::Key_Tab);
+        QTRY_VERIFY(grid->hasFocus());
+        QCOMPARE(grid->currentIndex().row(), 0);
+        // The ring: the top edge of the first cell turns to the accent.
+        const QRect first = grid->visualRect(grid->currentIndex());
+        QTRY_VERIFY(grid->viewport()->grab().toImage() != unfocused);
+        const QImage focused = grid->viewport()->grab().toImage();
+        const QColor ring = focused.pixelColor(first.center().x(), first.top());
+        QCOMPARE(ring, grid->palette().color(QPalette::Highlight));
+
+        QTest::keyClick(grid, Qt::Key_Right);
+        QCOMPARE(grid->currentIndex().data().toString(), kNewestFirst.at(1));
+        QVERIFY(!grid->selectionModel()->hasSelection());
+        QSignalSpy opened(&view, &MenuBarView::itemSelected);
+        QTest::keyClick(grid, Qt::Key_Return);
+        QVERIFY(opened.wait(kTimeoutMs));
+        QCOMPARE(opened.at(0).at(0).value<ScreenshotItem>().fileName(), kNewestFirst.at(1));
+
+        QTest::keyClick(grid, Qt::Key_Delete);
+        QTRY_COMPARE(shownNames(view), (QStringList{kNewestFirst.at(0), kNewestFirst.at(2)}));
+        QTRY_VERIFY(
+            QFile::exists(library_->dir.filePath("data/Trash/files/") + kNewestFirst.at(1)));
+        // The focus moves on to the cell that took its place.
+        QTRY_COMPARE(grid->currentIndex().data().toString(), kNewestFirst.at(2));
+        QCOMPARE(opened.count(), 1);
+    }
+
+    // A screen reader's action on a cell (Qt's accessible list item offers
+    // one: it toggles the selection) opens the capture, every time.
+    void aCellsAccessibleActionOpensIt() {
+        MenuBarView& view = openView(kThreeFiles);
+        QSignalSpy opened(&view, &MenuBarView::itemSelected);
+        QAccessibleInterface* grid = QAccessible::queryAccessibleInterface(view.gridView());
+        QVERIFY(grid);
+        QAccessibleInterface* cell = nullptr;
+        for (int i = 0; i < grid->childCount(); ++i) {
+            if (grid->child(i)->text(QAccessible::Name) == kNewestFirst.at(2)) {
+                cell = grid->child(i);
+            }
+        }
+        QVERIFY(cell);
+        QAccessibleActionInterface* action = cell->actionInterface();
+        QVERIFY(action);
+        QVERIFY(!action->actionNames().isEmpty());
+        for (int time = 1; time <= 2; ++time) {
+            action->doAction(action->actionNames().constFirst());
+            QTRY_COMPARE(opened.count(), time);
+            QCOMPARE(opened.last().at(0).value<ScreenshotItem>().fileName(), kNewestFirst.at(2));
+        }
+        // A click still opens once, not twice.
+        const QRect rect = view.gridView()->visualRect(view.gridView()->model()->index(0, 0));
+        QTest::mouseClick(view.gridView()->viewport(), Qt::LeftButton, {}, rect.center());
+        QTRY_COMPARE(opened.count(), 3);
+        // Nor does the grid open anything when the current cell's row goes
+        // (a search narrows the list) and the view moves on to another.
+        view.gridView()->setCurrentIndex(view.gridView()->model()->index(0, 0));
+        view.setSearchText(kNewestFirst.at(2));
+        QCOMPARE(shownNames(view), QStringList{kNewestFirst.at(2)});
+        QTest::qWait(100);
+        QCOMPARE(opened.count(), 3);
     }
 
     void everyControlHasAnAccessibleName() {

@@ -4,6 +4,7 @@
 // end-to-end tests drag with the real pointer.
 #include "ui/gallery/pill_panel.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
@@ -116,6 +117,34 @@ private Q_SLOTS:
         pill.content()->quitButton()->click();
         QVERIFY(!quit);
         QTRY_VERIFY(quit);
+        QCOMPARE(closeRequests.count(), 1);
+    }
+
+    // Shown, the pill leaves the keyboard where it was; reached with Tab its
+    // buttons take it in turn, Return presses one and Escape closes the
+    // popover.
+    void buttonsTakeTheKeyboardOnlyWhenReachedByTab() {
+        bool quit = false;
+        FooterPillView::Actions actions;
+        actions.quit = [&] { quit = true; };
+        PillPanel pill(*library_, sounds_, actions);
+        pill.showFadingIn();
+        QVERIFY(QTest::qWaitForWindowExposed(&pill));
+        QTest::qWait(200);
+        QVERIFY(!pill.isActiveWindow());
+        QCOMPARE(PillPanel::shown(), &pill);
+
+        pill.takeFocus(true);
+        QTRY_VERIFY(pill.content()->settingsButton()->hasFocus());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QVERIFY(pill.content()->shelvesButton()->hasFocus());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QVERIFY(pill.content()->quitButton()->hasFocus());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QTRY_VERIFY(quit);
+
+        QSignalSpy closeRequests(&AppSignals::instance(), &AppSignals::quillixClosePopover);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         QCOMPARE(closeRequests.count(), 1);
     }
 
