@@ -192,21 +192,22 @@ void CaptureService::followUp(const QString& path, const QImage& image, const QB
         dependencies_.library.refresh();
     }
     dependencies_.sounds.play(QStringLiteral("camera-shutter"));
-    postNotification(QStringLiteral("Screenshot saved"), notificationBody, image);
+    postNotification(QStringLiteral("Screenshot saved"), notificationBody, image,
+                     QFileInfo(path).fileName());
     Q_EMIT captureFinished(path);
 }
 
 void CaptureService::postNotification(const QString& summary, const QString& body,
-                                      const QImage& image) {
+                                      const QImage& image, const QString& subject) {
     if (!dependencies_.notifier.isAuthorised()) {
         return;
     }
     QPointer<Notifier> notifier(&dependencies_.notifier);
     // The attachment is a PNG encoding of the image: do it off the GUI thread.
     QtConcurrent::run(writeNotificationAttachment, image)
-        .then(this, [notifier, summary, body](const QString& attachment) {
+        .then(this, [notifier, summary, body, subject](const QString& attachment) {
             if (notifier) {
-                notifier->post(summary, body, attachment);
+                notifier->post(summary, body, attachment, subject);
             }
         });
 }

@@ -14,11 +14,13 @@ public:
     virtual bool isAuthorised() = 0;
 
     // Posts at once: app name "Quillix", `summary`, `body`; `imagePath` (may be empty) is shown as
-    // the notification's image; a "default" action makes a click count. Never blocks the GUI
-    // thread.
-    virtual void post(const QString& summary, const QString& body, const QString& imagePath) = 0;
+    // the notification's image; a "default" action makes a click count. `subject` is what a
+    // click reports (the body when empty): a capture's file name even when the body explains
+    // where the capture went. Never blocks the GUI thread.
+    virtual void post(const QString& summary, const QString& body, const QString& imagePath,
+                      const QString& subject = {}) = 0;
 
 Q_SIGNALS:
-    // The user clicked a notification we posted; `body` is that notification's body.
-    void activated(const QString& body);
+    // The user clicked a notification we posted; `subject` is that notification's subject.
+    void activated(const QString& subject);
 };

@@ -127,6 +127,10 @@ class UnwritableSaveFolder(Session):
         wait_until(lambda: second in self.notifications(), what="the area capture's notice")
         wait_until(lambda: os.stat(second).st_ino in registry_inodes(self.home),
                    what="the area capture's inode in registry.bin")
+        # A click on its notification opens the capture where it went.
+        subprocess.run(["dunstctl", "action", "0"], check=True)
+        title = os.path.splitext(os.path.basename(second))[0]
+        wait_until(lambda: viewable_windows(title), what="the preview from the notification")
 
         # With no fallback left either, the picture stays on the clipboard and
         # the notification says why.

@@ -114,7 +114,7 @@ void FreedesktopNotifier::answer(quint64 question, bool reachable) {
 }
 
 void FreedesktopNotifier::post(const QString& summary, const QString& body,
-                               const QString& imagePath) {
+                               const QString& imagePath, const QString& subject) {
     QDBusMessage notify =
         QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("Notify"));
     notify << kApplicationName << uint{0} << QString() << summary << body
@@ -122,7 +122,7 @@ void FreedesktopNotifier::post(const QString& summary, const QString& body,
            << kServerDefaultExpiry;
     // Asynchronous: a slow or missing service must never hold up the caller.
     auto* call = new QDBusPendingCallWatcher(bus_.asyncCall(notify), this);
-    const Posted posted{body, imagePath};
+    const Posted posted{subject.isEmpty() ? body : subject, imagePath};
     connect(
         call, &QDBusPendingCallWatcher::finished, this,
         [this, posted](QDBusPendingCallWatcher* finished) { rememberPosted(finished, posted); });
@@ -142,7 +142,7 @@ void FreedesktopNotifier::onActionInvoked(uint id, const QString& actionKey) {
     // Servers that broadcast their signals also report other programs' ids.
     const auto posted = postedById_.constFind(id);
     if (actionKey == kDefaultAction && posted != postedById_.constEnd()) {
-        Q_EMIT activated(posted->body);
+        Q_EMIT activated(posted->subject);
     }
 }
 

@@ -26,7 +26,8 @@ public:
     bool isAuthorised() override;
     // An attachment written by NotificationAttachments is removed when its
     // notification closes, or at once when the service refuses it.
-    void post(const QString& summary, const QString& body, const QString& imagePath) override;
+    void post(const QString& summary, const QString& body, const QString& imagePath,
+              const QString& subject = {}) override;
 
 private Q_SLOTS:
     void onActionInvoked(uint id, const QString& actionKey);
@@ -34,7 +35,7 @@ private Q_SLOTS:
 
 private:
     struct Posted {
-        QString body;
+        QString subject;
         QString attachment;
     };
 
@@ -48,7 +49,7 @@ private:
     QDBusConnection bus_;
     QDBusServiceWatcher* serviceWatcher_ = nullptr;
     // Each notification of ours that the service still shows, by the id the
-    // service gave it; a click hands its body on, its closing removes its
+    // service gave it; a click hands its subject on, its closing removes its
     // attachment.
     QHash<uint, Posted> postedById_;
     bool authorised_ = false;
