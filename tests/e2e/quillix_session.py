@@ -88,6 +88,9 @@ class RunningApp:
             # plugin still holds is reported as leaked from an unnamed module
             # that no suppression can match. Other sanitizer checks stay on.
             env["ASAN_OPTIONS"] = env.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
+        # A popup left by an earlier test's program would lie over the
+        # gallery under the tray icon and take the clicks meant for it.
+        subprocess.run(["dunstctl", "close-all"], check=False)
         self.process = subprocess.Popen([binary], env=env, stdout=self.log,
                                         stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL)
 
