@@ -12,7 +12,7 @@ import warnings
 
 warnings.simplefilter("ignore", ImportWarning)  # pyatspi's importer
 sys.path.insert(0, os.path.dirname(__file__))
-from quillix_session import (FreshHome, RunningApp, call_app, try_open_file,  # noqa: E402
+from quillix_session import (FreshHome, RunningApp, try_open_file,  # noqa: E402
                              viewable_windows, wait_until, xdotool)
 
 BINARY = None
@@ -118,11 +118,7 @@ class GalleryFromTheKeyboard(unittest.TestCase):
                             f"PNG24:{os.path.join(desktop, name)}"], check=True)
             time.sleep(0.1)  # distinct creation times: a known order
         self.bus = AccessibilityBus(self.home.env)
-        self.app = RunningApp(BINARY, self.home)
-        wait_until(lambda: "(id 6)" in self.app.output(), what="hotkeys")
-        wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
-        call_app("SetShowOnlyQuillixItems", "boolean:false")
-        wait_until(lambda: len(call_app("ListedFiles") or []) == 3, what="three listed files")
+        self.app = RunningApp.listing_every_file(BINARY, self.home, 3)
 
     def tearDown(self):
         try:

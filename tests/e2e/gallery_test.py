@@ -45,11 +45,8 @@ class Gallery(unittest.TestCase):
             make_png(os.path.join(desktop, name))
             time.sleep(0.1)  # distinct creation times: a known order
         plays_video = self._testMethodName == "test_a_capitalised_mov_plays_in_the_preview"
-        self.app = RunningApp(BINARY, self.home, without_leak_check=plays_video)
-        wait_until(lambda: "(id 6)" in self.app.output(), what="hotkeys")
-        wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
-        call_app("SetShowOnlyQuillixItems", "boolean:false")
-        wait_until(lambda: len(call_app("ListedFiles") or []) == 3, what="three listed files")
+        self.app = RunningApp.listing_every_file(BINARY, self.home, 3,
+                                                 without_leak_check=plays_video)
 
     def tearDown(self):
         try:

@@ -94,6 +94,20 @@ class RunningApp:
         self.process = subprocess.Popen([binary], env=env, stdout=self.log,
                                         stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL)
 
+    @classmethod
+    def listing_every_file(cls, binary, home, count, without_leak_check=False):
+        """Starts the program, waits until it is ready (hotkeys, tray icon,
+        D-Bus) and shows every file of the home, not only its own captures,
+        and until `count` files are listed."""
+        app = cls(binary, home, without_leak_check=without_leak_check)
+        wait_until(lambda: "(id 6)" in app.output(), what="hotkeys")
+        wait_until(tray_icon_embedded, what="the tray icon")
+        wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
+        call_app("SetShowOnlyQuillixItems", "boolean:false")
+        wait_until(lambda: len(call_app("ListedFiles") or []) == count,
+                   what=f"{count} listed files")
+        return app
+
     def output(self):
         with open(self.log_path, "rb") as log:
             return log.read().decode("utf-8", "replace")

@@ -12,7 +12,7 @@ import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
 from quillix_session import (FreshHome, RunningApp, call_app, click_control,  # noqa: E402
-                             locate, tray_icon_embedded, viewable_windows, wait_until,
+                             locate, viewable_windows, wait_until,
                              window_geometry, window_tree, xdotool)
 
 BINARY = None
@@ -63,12 +63,7 @@ class ShellAroundAreaCapture(unittest.TestCase):
         subprocess.run(["convert", "-size", "480x300", "xc:#c08030",
                         f"PNG24:{os.path.join(cls.home.folders['Desktop'], PICTURE)}"],
                        check=True)
-        cls.app = RunningApp(BINARY, cls.home)
-        wait_until(lambda: "(id 6)" in cls.app.output(), what="hotkeys")
-        wait_until(tray_icon_embedded, what="the tray icon")
-        wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
-        call_app("SetShowOnlyQuillixItems", "boolean:false")
-        wait_until(lambda: call_app("ListedFiles") == [PICTURE], what="the picture listed")
+        cls.app = RunningApp.listing_every_file(BINARY, cls.home, 1)
 
     @classmethod
     def tearDownClass(cls):

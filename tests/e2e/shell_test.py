@@ -8,7 +8,7 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
-from quillix_session import (FreshHome, KeyGrabHolder, RunningApp, call_app,  # noqa: E402
+from quillix_session import (FreshHome, KeyGrabHolder, RunningApp,  # noqa: E402
                              centre, locate, tray_icon_embedded, viewable_windows, wait_until,
                              window_geometry, xdotool)
 
@@ -145,13 +145,7 @@ class PopoverAmongOwnWindows(unittest.TestCase):
                             f"PNG24:{os.path.join(cls.home.folders['Desktop'], name)}"],
                            check=True)
             time.sleep(0.02)  # distinct creation times: a known order
-        cls.app = RunningApp(BINARY, cls.home)
-        wait_until(lambda: "(id 6)" in cls.app.output(), what="hotkeys")
-        wait_until(tray_icon_embedded, what="the tray icon")
-        wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
-        call_app("SetShowOnlyQuillixItems", "boolean:false")
-        wait_until(lambda: len(call_app("ListedFiles") or []) == len(cls.NAMES),
-                   what="every picture listed")
+        cls.app = RunningApp.listing_every_file(BINARY, cls.home, len(cls.NAMES))
 
     @classmethod
     def tearDownClass(cls):
