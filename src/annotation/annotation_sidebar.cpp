@@ -41,6 +41,8 @@ AnnotationSidebar::AnnotationSidebar(AnnotationState* state, QWidget* parent)
     if (state_) {
         connect(state_, &AnnotationState::activeToolChanged, this,
                 &AnnotationSidebar::showActiveTool);
+        connect(state_, &AnnotationState::drawingEnabledChanged, this,
+                &AnnotationSidebar::showActiveTool);
         connect(state_, &AnnotationState::currentColorChanged, swatch_,
                 &ColorSwatchButton::setColor);
     }
@@ -56,6 +58,7 @@ void AnnotationSidebar::buildColumn() {
 
     for (const AnnotationTool tool : kAllAnnotationTools) {
         auto* button = new PaletteToolButton(paletteIconName(tool), paletteLabel(tool), look, this);
+        button->setToolTip(paletteToolTip(paletteLabel(tool), annotationToolKeyName(tool)));
         connect(button, &QAbstractButton::clicked, this, [this, tool] {
             if (state_) {
                 state_->selectTool(tool);
@@ -77,8 +80,9 @@ void AnnotationSidebar::buildColumn() {
     });
     column->addWidget(swatch_, 0, Qt::AlignHCenter);
 
-    undo_ = new PaletteToolButton(QStringLiteral("arrow.uturn.backward"),
-                                  QStringLiteral("Undo (⌘Z)"), look, this);
+    undo_ = new PaletteToolButton(QStringLiteral("arrow.uturn.backward"), QStringLiteral("Undo"),
+                                  look, this);
+    undo_->setToolTip(paletteToolTip(undo_->label(), QStringLiteral("Ctrl+Z")));
     undo_->setCheckable(false);
     connect(undo_, &QAbstractButton::clicked, this, [this] {
         if (state_) {
@@ -87,8 +91,8 @@ void AnnotationSidebar::buildColumn() {
     });
     column->addWidget(undo_, 0, Qt::AlignHCenter);
 
-    save_ =
-        new PaletteToolButton(QStringLiteral("checkmark"), QStringLiteral("Save (⌘S)"), look, this);
+    save_ = new PaletteToolButton(QStringLiteral("checkmark"), QStringLiteral("Save"), look, this);
+    save_->setToolTip(paletteToolTip(save_->label(), QStringLiteral("Ctrl+S")));
     save_->setCheckable(false);
     connect(save_, &QAbstractButton::clicked, this, &AnnotationSidebar::saveRequested);
     column->addWidget(save_, 0, Qt::AlignHCenter);
@@ -100,9 +104,10 @@ PaletteToolButton* AnnotationSidebar::toolButton(AnnotationTool tool) const {
 }
 
 void AnnotationSidebar::showActiveTool() {
-    const AnnotationTool active = state_ ? state_->activeTool() : AnnotationTool::pencil;
+    // As in the toolbar: no tool looks picked while drawing is off.
+    const bool drawing = state_ && state_->isDrawingEnabled();
     for (const AnnotationTool tool : kAllAnnotationTools) {
-        toolButton(tool)->setActive(tool == active);
+        toolButton(tool)->setActive(drawing && tool == state_->activeTool());
     }
 }
 

@@ -13,7 +13,8 @@ class PaletteToolButton;
 // The vertical tool palette of the preview window: the eight tools in their
 // order, the stroke colour swatch, undo and save, 44 wide, drawn in the
 // window's own text colour so it suits light and dark themes. Undo acts on
-// the state directly; save is the host's (saveRequested).
+// the state directly; save is the host's (saveRequested). Like the toolbar,
+// it shows a tool active only while drawing is on.
 class AnnotationSidebar : public QWidget {
     Q_OBJECT
 

@@ -56,8 +56,8 @@ class ToolbarSaveButton : public QAbstractButton {
 public:
     explicit ToolbarSaveButton(QWidget* parent) : QAbstractButton(parent) {
         setText(QStringLiteral("Save"));
-        setToolTip(QStringLiteral("Save (Return)"));
-        setAccessibleName(toolTip());
+        setToolTip(paletteToolTip(text(), QStringLiteral("Return")));
+        setAccessibleName(text());
         setCursor(Qt::ArrowCursor);
         QFont labelFont = font();
         labelFont.setPixelSize(12);
@@ -92,6 +92,10 @@ private:
 };
 
 }  // namespace
+
+QString paletteToolTip(const QString& label, const QString& key) {
+    return QStringLiteral("%1 (%2)").arg(label, key);
+}
 
 // ---------------------------------------------------------------------------
 
@@ -247,6 +251,8 @@ AnnotationToolbar::AnnotationToolbar(AnnotationState* state, QWidget* parent)
     if (state_) {
         connect(state_, &AnnotationState::activeToolChanged, this,
                 &AnnotationToolbar::showActiveTool);
+        connect(state_, &AnnotationState::drawingEnabledChanged, this,
+                &AnnotationToolbar::showActiveTool);
         connect(state_, &AnnotationState::currentColorChanged, swatch_,
                 &ColorSwatchButton::setColor);
     }
@@ -263,6 +269,7 @@ void AnnotationToolbar::buildRow() {
     for (const AnnotationTool tool : kAllAnnotationTools) {
         auto* button =
             new PaletteToolButton(paletteIconName(tool), paletteLabel(tool), toolbarLook(), this);
+        button->setToolTip(paletteToolTip(paletteLabel(tool), annotationToolKeyName(tool)));
         connect(button, &QAbstractButton::clicked, this, [this, tool] {
             if (state_) {
                 state_->selectTool(tool);
@@ -287,8 +294,9 @@ void AnnotationToolbar::buildRow() {
     row->addWidget(swatch_);
 
     row->addWidget(new ToolbarSeparator(this));
-    undo_ = new PaletteToolButton(QStringLiteral("arrow.uturn.backward"),
-                                  QStringLiteral("Undo (⌘Z)"), toolbarLook(), this);
+    undo_ = new PaletteToolButton(QStringLiteral("arrow.uturn.backward"), QStringLiteral("Undo"),
+                                  toolbarLook(), this);
+    undo_->setToolTip(paletteToolTip(undo_->label(), QStringLiteral("Ctrl+Z")));
     undo_->setCheckable(false);
     connect(undo_, &QAbstractButton::clicked, this, &AnnotationToolbar::undoRequested);
     row->addWidget(undo_);
@@ -313,9 +321,11 @@ PaletteToolButton* AnnotationToolbar::toolButton(AnnotationTool tool) const {
 }
 
 void AnnotationToolbar::showActiveTool() {
-    const AnnotationTool active = state_ ? state_->activeTool() : AnnotationTool::pencil;
+    // The highlighted tool is the one a drag draws with: none while drawing
+    // is off.
+    const bool drawing = state_ && state_->isDrawingEnabled();
     for (const AnnotationTool tool : kAllAnnotationTools) {
-        toolButton(tool)->setActive(tool == active);
+        toolButton(tool)->setActive(drawing && tool == state_->activeTool());
     }
 }
 

@@ -29,8 +29,10 @@ struct PaletteButtonLook {
     qreal hoveredFill = 0.1;
 };
 
-// A flat symbol button of the annotation palettes. Its tooltip and accessible
-// name are its label; "active" is the highlighted tool (exposed as checked).
+// A flat symbol button of the annotation palettes. Its accessible name is its
+// label; its tooltip is the label too until the palette adds the key that
+// does the same ("Pencil (P)"). "active" is the highlighted tool (exposed as
+// checked).
 // While hovered and not active it grows slightly, with a short springy
 // animation.
 class PaletteToolButton : public QAbstractButton {
@@ -72,6 +74,9 @@ private:
     QPixmap symbol_;  // the symbol in look_.base, at the last device pixel ratio
 };
 
+// A palette tooltip: the label followed by the key that does the same.
+QString paletteToolTip(const QString& label, const QString& key);
+
 // The round colour swatch of a palette: a filled circle with a thin ring.
 class ColorSwatchButton : public QAbstractButton {
     Q_OBJECT
@@ -98,7 +103,9 @@ private:
 // The floating toolbar of the area editor: the eight tools in their order, the
 // colour swatch, undo and save, in one row on a dark translucent rounded
 // background. It changes only the tool, drawing switch and colour of its
-// state; undo and save are the host's (undoRequested / saveRequested).
+// state; undo and save are the host's (undoRequested / saveRequested). A
+// tool is shown active only while drawing is on: until one is picked, none
+// is, and drags belong to the selection.
 class AnnotationToolbar : public QWidget {
     Q_OBJECT
 

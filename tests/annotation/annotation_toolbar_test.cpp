@@ -11,6 +11,8 @@ namespace {
 
 const QStringList kToolLabels{"Pencil", "Arrow",    "Rectangle", "Text",
                               "Blur",   "Pixelate", "Crop",      "Highlight"};
+const QStringList kToolTips{"Pencil (P)", "Arrow (A)",    "Rectangle (R)", "Text (T)",
+                            "Blur (B)",   "Pixelate (X)", "Crop (C)",      "Highlight (H)"};
 
 Annotation someRectangle() {
     return Annotation{Annotation::Rectangle{QRectF(1, 2, 30, 40), Qt::red}};
@@ -25,23 +27,42 @@ QStringList accessibleNamesInLayoutOrder(QWidget& palette) {
     return names;
 }
 
+QStringList toolTipsInLayoutOrder(QWidget& palette) {
+    QStringList tips;
+    for (QAbstractButton* button : palette.findChildren<QAbstractButton*>()) {
+        tips << button->toolTip();
+    }
+    return tips;
+}
+
+// The tools a palette shows as picked.
+template <typename Palette>
+QList<AnnotationTool> activeTools(Palette& palette) {
+    QList<AnnotationTool> active;
+    for (const AnnotationTool tool : kAllAnnotationTools) {
+        if (palette.toolButton(tool)->isActive()) {
+            active << tool;
+        }
+    }
+    return active;
+}
+using Tools = QList<AnnotationTool>;
+
 }  // namespace
 
 class AnnotationToolbarTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // Names are the plain labels; tooltips add the key that does the same,
+    // as Linux keyboards spell it.
     void toolbarShowsToolsSwatchUndoAndSaveInOrderWithTheirTooltips() {
         AnnotationState state;
         AnnotationToolbar toolbar(&state);
-        QStringList expected = kToolLabels;
-        expected << "Color"
-                 << "Undo (⌘Z)"
-                 << "Save (Return)";
-        QCOMPARE(accessibleNamesInLayoutOrder(toolbar), expected);
-        for (QAbstractButton* button : toolbar.findChildren<QAbstractButton*>()) {
-            QCOMPARE(button->toolTip(), button->accessibleName());
-        }
+        const QStringList names = kToolLabels + QStringList{"Color", "Undo", "Save"};
+        const QStringList tips = kToolTips + QStringList{"Color", "Undo (Ctrl+Z)", "Save (Return)"};
+        QCOMPARE(accessibleNamesInLayoutOrder(toolbar), names);
+        QCOMPARE(toolTipsInLayoutOrder(toolbar), tips);
         // Left to right on screen as well.
         toolbar.show();
         QVERIFY(QTest::qWaitForWindowExposed(&toolbar));
@@ -55,11 +76,11 @@ private Q_SLOTS:
     void sidebarSpellsItsKeysDifferently() {
         AnnotationState state;
         AnnotationSidebar sidebar(&state);
-        QStringList expected = kToolLabels;
-        expected << "Stroke color"
-                 << "Undo (⌘Z)"
-                 << "Save (⌘S)";
-        QCOMPARE(accessibleNamesInLayoutOrder(sidebar), expected);
+        const QStringList names = kToolLabels + QStringList{"Stroke color", "Undo", "Save"};
+        const QStringList tips =
+            kToolTips + QStringList{"Stroke color", "Undo (Ctrl+Z)", "Save (Ctrl+S)"};
+        QCOMPARE(accessibleNamesInLayoutOrder(sidebar), names);
+        QCOMPARE(toolTipsInLayoutOrder(sidebar), tips);
         QCOMPARE(sidebar.width(), 44);
     }
 
@@ -83,30 +104,24 @@ private Q_SLOTS:
         sidebar.show();
         QVERIFY(QTest::qWaitForWindowExposed(&sidebar));
         state.selectTool(AnnotationTool::blur);
-        state.reset();  // back to the pencil, drawing off
+        state.reset();  // back to the pencil, drawing off: nothing looks picked
         PaletteToolButton* pencil = sidebar.toolButton(AnnotationTool::pencil);
-        QVERIFY(pencil->isActive());
+        QVERIFY(!pencil->isActive());
+        QVERIFY(!pencil->isChecked());
         QTest::mouseClick(pencil, Qt::LeftButton);
         QVERIFY(state.isDrawingEnabled());
         QVERIFY(pencil->isActive());
         QVERIFY(pencil->isChecked());  // the click did not toggle it off
     }
 
+    // The highlighted tool is the one a drag draws with, so none is
+    // highlighted until drawing is switched on by picking one.
     void highlightFollowsTheState() {
         AnnotationState state;
         AnnotationToolbar toolbar(&state);
         AnnotationSidebar sidebar(&state);
-        const auto activeTools = [](auto& palette) {
-            QList<AnnotationTool> active;
-            for (const AnnotationTool tool : kAllAnnotationTools) {
-                if (palette.toolButton(tool)->isActive()) {
-                    active << tool;
-                }
-            }
-            return active;
-        };
-        using Tools = QList<AnnotationTool>;
-        QCOMPARE(activeTools(toolbar), Tools{AnnotationTool::pencil});
+        QCOMPARE(activeTools(toolbar), Tools{});
+        QCOMPARE(activeTools(sidebar), Tools{});
         state.selectTool(AnnotationTool::highlighter);
         QCOMPARE(activeTools(toolbar), Tools{AnnotationTool::highlighter});
         QCOMPARE(activeTools(sidebar), Tools{AnnotationTool::highlighter});
@@ -114,8 +129,13 @@ private Q_SLOTS:
         QTest::mouseClick(toolbar.toolButton(AnnotationTool::crop), Qt::LeftButton);
         QCOMPARE(activeTools(sidebar), Tools{AnnotationTool::crop});
         state.reset();
-        QCOMPARE(activeTools(toolbar), Tools{AnnotationTool::pencil});
+        QCOMPARE(activeTools(toolbar), Tools{});
+        QCOMPARE(activeTools(sidebar), Tools{});
         QVERIFY(!toolbar.undoButton()->isChecked());
+        // Picking the tool that was active before the reset shows it again.
+        state.selectTool(AnnotationTool::pencil);
+        QCOMPARE(activeTools(toolbar), Tools{AnnotationTool::pencil});
+        QCOMPARE(activeTools(sidebar), Tools{AnnotationTool::pencil});
     }
 
     void swatchesShowTheCurrentColor() {
@@ -142,14 +162,14 @@ private Q_SLOTS:
         QCOMPARE(saves.count(), 1);
         QCOMPARE(state.annotations().size(), 1);
 
-        // The sidebar undoes on the document directly.
+        // The sidebar undoes on the document directly, newest step first.
         AnnotationSidebar sidebar(&state);
         state.add(Annotation{Annotation::Crop{QRectF(0, 0, 5, 5)}});
         QTest::mouseClick(sidebar.undoButton(), Qt::LeftButton);
-        QCOMPARE(state.annotations().size(), 0);
-        QVERIFY(state.cropRect().has_value());
-        QTest::mouseClick(sidebar.undoButton(), Qt::LeftButton);
         QVERIFY(!state.cropRect().has_value());
+        QCOMPARE(state.annotations().size(), 1);
+        QTest::mouseClick(sidebar.undoButton(), Qt::LeftButton);
+        QCOMPARE(state.annotations().size(), 0);
         QSignalSpy sidebarSaves(&sidebar, &AnnotationSidebar::saveRequested);
         QTest::mouseClick(sidebar.saveButton(), Qt::LeftButton);
         QCOMPARE(sidebarSaves.count(), 1);
