@@ -1,6 +1,7 @@
 #include "annotation/color_picker_bridge.h"
 
 #include <QColorDialog>
+#include <QEvent>
 #include <QWidget>
 
 ColorPickerBridge& ColorPickerBridge::shared() {
@@ -23,6 +24,7 @@ QColorDialog* ColorPickerBridge::ensureDialog() {
         dialog->setModal(false);
         dialog->setWindowFlag(Qt::WindowStaysOnTopHint);
         connect(dialog, &QColorDialog::currentColorChanged, this, &ColorPickerBridge::colorChanged);
+        dialog->installEventFilter(this);
         dialog_ = dialog;
     }
     return dialog_;
@@ -51,4 +53,13 @@ void ColorPickerBridge::colorChanged(const QColor& color) {
     if (target_) {
         target_->setCurrentColor(color);
     }
+}
+
+bool ColorPickerBridge::eventFilter(QObject* watched, QEvent* event) {
+    // Spontaneous or not: Escape, the window's close button and hide() all
+    // end in a hide event.
+    if (watched == dialog_.data() && event->type() == QEvent::Hide) {
+        Q_EMIT dialogHidden();
+    }
+    return QObject::eventFilter(watched, event);
 }

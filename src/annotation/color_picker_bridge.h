@@ -30,6 +30,14 @@ public:
     // The shared dialog, created by the first open() (null before).
     QColorDialog* dialog() const { return dialog_; }
 
+Q_SIGNALS:
+    // The dialog left the screen (closed by the user or hidden). Windows that
+    // bypass the window manager take the keyboard back on this.
+    void dialogHidden();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     ColorPickerBridge() = default;
     QColorDialog* ensureDialog();

@@ -1,6 +1,7 @@
 #include "annotation/color_picker_bridge.h"
 
 #include <QColorDialog>
+#include <QSignalSpy>
 #include <QtTest>
 
 #include "annotation/annotation_sidebar.h"
@@ -84,6 +85,25 @@ private Q_SLOTS:
         QVERIFY(ColorPickerBridge::shared().target() == nullptr);
         ColorPickerBridge::shared().dialog()->setCurrentColor(QColor(4, 5, 6));
         QCOMPARE(ColorPickerBridge::shared().dialog()->currentColor(), QColor(4, 5, 6));
+    }
+
+    // Windows that bypass the window manager take the keyboard back when
+    // the dialog goes, however it goes.
+    void closingTheDialogIsAnnounced() {
+        AnnotationState state;
+        ColorPickerBridge& bridge = ColorPickerBridge::shared();
+        QSignalSpy hidden(&bridge, &ColorPickerBridge::dialogHidden);
+        bridge.open(&state);
+        QVERIFY(QTest::qWaitForWindowExposed(bridge.dialog()));
+        QCOMPARE(hidden.count(), 0);
+        QTest::keyClick(bridge.dialog(), Qt::Key_Escape);
+        QVERIFY(!bridge.dialog()->isVisible());
+        QCOMPARE(hidden.count(), 1);
+
+        bridge.open(&state);
+        QVERIFY(QTest::qWaitForWindowExposed(bridge.dialog()));
+        bridge.dialog()->close();
+        QCOMPARE(hidden.count(), 2);
     }
 
     void cleanupTestCase() {
