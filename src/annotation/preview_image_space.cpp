@@ -4,24 +4,36 @@
 #include <type_traits>
 #include <variant>
 
+#include "annotation/annotated_image_renderer.h"
+
 namespace {
 
-struct ImageSpaceMap {
-    QPointF origin;
-    qreal kx;
-    qreal ky;
-
-    QPointF point(const QPointF& p) const {
-        return {(p.x() - origin.x()) * kx, (p.y() - origin.y()) * ky};
+// Shapes moved by `offset`; sizes, widths and fonts untouched.
+QVector<Annotation> movedBy(const QVector<Annotation>& annotations, const QPointF& offset) {
+    QVector<Annotation> moved;
+    moved.reserve(annotations.size());
+    for (Annotation annotation : annotations) {
+        std::visit(
+            [&offset](auto& kind) {
+                using Kind = std::decay_t<decltype(kind)>;
+                if constexpr (std::is_same_v<Kind, Annotation::Stroke>) {
+                    for (QPointF& p : kind.points) {
+                        p += offset;
+                    }
+                } else if constexpr (std::is_same_v<Kind, Annotation::Arrow>) {
+                    kind.from += offset;
+                    kind.to += offset;
+                } else if constexpr (std::is_same_v<Kind, Annotation::Text>) {
+                    kind.origin += offset;
+                } else {
+                    // Rectangle, blur, pixelate and crop regions.
+                    kind.rect.translate(offset);
+                }
+            },
+            annotation.kind);
+        moved.append(annotation);
     }
-    QRectF rect(const QRectF& r) const {
-        return {point(r.topLeft()), QSizeF(r.width() * kx, r.height() * ky)};
-    }
-};
-
-ImageSpaceMap mapFor(const QRectF& displayRect, const QSizeF& imageSize) {
-    return {displayRect.topLeft(), imageSize.width() / displayRect.width(),
-            imageSize.height() / displayRect.height()};
+    return moved;
 }
 
 }  // namespace
@@ -41,40 +53,34 @@ QRectF previewImageDisplayRect(const QSizeF& areaSize, const QSizeF& imageSize) 
         shown};
 }
 
-QVector<Annotation> annotationsInImageSpace(const QVector<Annotation>& annotations,
-                                            const QRectF& displayRect, const QSizeF& imageSize) {
-    const ImageSpaceMap map = mapFor(displayRect, imageSize);
-    QVector<Annotation> converted;
-    converted.reserve(annotations.size());
-    for (const Annotation& annotation : annotations) {
-        Annotation copy = annotation;
-        std::visit(
-            [&map](auto& kind) {
-                using Kind = std::decay_t<decltype(kind)>;
-                if constexpr (std::is_same_v<Kind, Annotation::Stroke>) {
-                    for (QPointF& p : kind.points) {
-                        p = map.point(p);
-                    }
-                } else if constexpr (std::is_same_v<Kind, Annotation::Arrow>) {
-                    kind.from = map.point(kind.from);
-                    kind.to = map.point(kind.to);
-                } else if constexpr (std::is_same_v<Kind, Annotation::Text>) {
-                    kind.origin = map.point(kind.origin);
-                } else {
-                    // Rectangle, blur, pixelate and crop regions.
-                    kind.rect = map.rect(kind.rect);
-                }
-            },
-            copy.kind);
-        converted.append(copy);
+qreal pixelExactRenderScale(qreal pixelsPerPoint) {
+    if (!(pixelsPerPoint > 0)) {
+        return 1.0;
     }
-    return converted;
+    // A relative nudge far below one pixel on any picture that fits in memory.
+    constexpr qreal kNudge = 1e-9;
+    return pixelsPerPoint * (1 + kNudge);
 }
 
-std::optional<QRectF> cropInImageSpace(const std::optional<QRectF>& crop, const QRectF& displayRect,
-                                       const QSizeF& imageSize) {
-    if (!crop) {
-        return std::nullopt;
+QImage flattenOntoPicture(const QImage& picture, const QVector<Annotation>& annotations,
+                          const std::optional<QRectF>& crop, const QRectF& displayRect) {
+    if (picture.isNull() || displayRect.width() <= 0 || displayRect.height() <= 0) {
+        return picture;
     }
-    return mapFor(displayRect, imageSize).rect(*crop);
+    // The picture is handed over as if it had the display's size in points,
+    // so that the renderer's one scale enlarges the shapes together with
+    // their widths, arrow heads and fonts. The display keeps the picture's
+    // proportions, so the width alone gives the scale.
+    const qreal pixelsPerPoint = picture.width() / displayRect.width();
+    QImage source = picture;
+    source.setDevicePixelRatio(pixelsPerPoint);
+    const QPointF offset = -displayRect.topLeft();
+    std::optional<QRectF> movedCrop = crop;
+    if (movedCrop) {
+        movedCrop->translate(offset);
+    }
+    QImage flattened = renderAnnotatedImage(source, movedBy(annotations, offset), movedCrop,
+                                            pixelExactRenderScale(pixelsPerPoint));
+    flattened.setDevicePixelRatio(picture.devicePixelRatio());
+    return flattened;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QRectF>
 #include <QSizeF>
 #include <QVector>
@@ -19,11 +20,18 @@ inline constexpr qreal kPreviewImageMargin = 24.0;
 // empty or nothing is left inside the margins.
 QRectF previewImageDisplayRect(const QSizeF& areaSize, const QSizeF& imageSize);
 
-// Shapes drawn in the image area, moved into the coordinates of the picture:
-// the display rectangle's origin is subtracted and positions and sizes are
-// scaled by imageSize ÷ displayRect.size() on each axis. Stroke widths and
-// fonts keep their on-screen values. `displayRect` must not be empty.
-QVector<Annotation> annotationsInImageSpace(const QVector<Annotation>& annotations,
-                                            const QRectF& displayRect, const QSizeF& imageSize);
-std::optional<QRectF> cropInImageSpace(const std::optional<QRectF>& crop, const QRectF& displayRect,
-                                       const QSizeF& imageSize);
+// The scale to hand renderAnnotatedImage so that a picture of n pixels at
+// `pixelsPerPoint` comes out n pixels: the renderer multiplies the picture's
+// size in points by the scale and drops the fraction, and n / r × r can land
+// a hair below n (n = 61 at r = 1.75). Not positive: 1.
+qreal pixelExactRenderScale(qreal pixelsPerPoint);
+
+// Flattens shapes drawn in the image area (and the crop, both in the area's
+// points) into the picture shown at `displayRect`. Every pixel of the picture
+// is kept, and positions, stroke widths, arrow heads and text grow by the
+// picture's pixels per point of the display, so each shape covers the part
+// of the picture it covered on screen. The result has the picture's pixel
+// density. `picture` unchanged when `displayRect` is empty. Safe on worker
+// threads.
+QImage flattenOntoPicture(const QImage& picture, const QVector<Annotation>& annotations,
+                          const std::optional<QRectF>& crop, const QRectF& displayRect);

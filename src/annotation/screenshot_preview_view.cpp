@@ -17,7 +17,6 @@
 #include <QVariantAnimation>
 #include <QtConcurrent/QtConcurrentRun>
 
-#include "annotation/annotated_image_renderer.h"
 #include "annotation/annotation_canvas_view.h"
 #include "annotation/annotation_sidebar.h"
 #include "annotation/preview_image_space.h"
@@ -119,15 +118,27 @@ bool isCommandKey(const QKeyEvent* key) {
     return key->key() == Qt::Key_S || key->key() == Qt::Key_Z || key->key() == Qt::Key_W;
 }
 
-// Escape alone, unless a text field has the keyboard: there it ends the
-// editing (the annotation text, a rename, an event) and must not close.
-bool isClosingEscape(const QKeyEvent* key) {
-    if (key->key() != Qt::Key_Escape || significantModifiers(key) != Qt::NoModifier) {
-        return false;
-    }
+// Whether a text field has the keyboard (the annotation text, a rename, an
+// event): its keys are its own.
+bool isTyping() {
     const QWidget* focus = QApplication::focusWidget();
-    return !qobject_cast<const QLineEdit*>(focus) && !qobject_cast<const QTextEdit*>(focus) &&
-           !qobject_cast<const QPlainTextEdit*>(focus);
+    return qobject_cast<const QLineEdit*>(focus) || qobject_cast<const QTextEdit*>(focus) ||
+           qobject_cast<const QPlainTextEdit*>(focus);
+}
+
+// Escape alone, unless a text field has the keyboard: there it ends the
+// editing and must not close.
+bool isClosingEscape(const QKeyEvent* key) {
+    return key->key() == Qt::Key_Escape && significantModifiers(key) == Qt::NoModifier &&
+           !isTyping();
+}
+
+// A drawing tool's key, alone, outside text fields.
+std::optional<AnnotationTool> toolPickedBy(const QKeyEvent* key) {
+    if (significantModifiers(key) != Qt::NoModifier || isTyping()) {
+        return std::nullopt;
+    }
+    return annotationToolForKey(key->key());
 }
 
 }  // namespace
@@ -428,20 +439,19 @@ bool ScreenshotPreviewView::save() {
     if (display.width() <= 1 || display.height() <= 1) {
         return false;
     }
+    // Typed text not yet confirmed is on the screen, so it is saved too.
+    canvas()->commitOpenText();
     const QImage image = *loadedImage_;
-    const QSizeF imageSize = image.deviceIndependentSize();
-    const QVector<Annotation> annotations =
-        annotationsInImageSpace(annotationState_.annotations(), display, imageSize);
-    const std::optional<QRectF> crop =
-        cropInImageSpace(annotationState_.cropRect(), display, imageSize);
+    const QVector<Annotation> annotations = annotationState_.annotations();
+    const std::optional<QRectF> crop = annotationState_.cropRect();
     const QString path = item_.path();
     saving_ = true;
     // Flattened and encoded on a worker; the rewrite keeps an own capture own.
     auto flattened = std::make_shared<QImage>();
     rewriteCapture(
         path,
-        [image, annotations, crop, flattened] {
-            *flattened = renderAnnotatedImage(image, annotations, crop, 1.0);
+        [image, annotations, crop, display, flattened] {
+            *flattened = flattenOntoPicture(image, annotations, crop, display);
             return encodePng(*flattened);
         },
         this, CaptureRegistry::shared())
@@ -500,8 +510,18 @@ bool ScreenshotPreviewView::eventFilter(QObject* watched, QEvent* event) {
     }
     auto* target = static_cast<QWidget*>(watched);
     auto* key = static_cast<QKeyEvent*>(event);
-    if (target->window() != window() || !isVisible() ||
-        (!isCommandKey(key) && !isClosingEscape(key))) {
+    if (target->window() != window() || !isVisible()) {
+        return QWidget::eventFilter(watched, event);
+    }
+    if (const auto tool = toolPickedBy(key); tool && imageArea_) {
+        // Taken before any list or button of the window uses the letter.
+        if (type == QEvent::KeyPress) {
+            annotationState_.selectTool(*tool);
+        }
+        event->accept();
+        return true;
+    }
+    if (!isCommandKey(key) && !isClosingEscape(key)) {
         return QWidget::eventFilter(watched, event);
     }
     if (type == QEvent::ShortcutOverride) {

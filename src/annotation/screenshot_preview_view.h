@@ -25,7 +25,9 @@ class VideoPlayerView;
 // when the view first appears. Ctrl+S (or Super+S) flattens the annotations
 // into the picture and writes it over the file as PNG; Ctrl+Z (or Super+Z)
 // takes back the newest shape; Escape (unless a text is being edited) and
-// Ctrl+W close the window; all only while the view is on screen.
+// Ctrl+W close the window; a tool's key alone (P, A, R, …; not while typing)
+// picks that tool; all only while the view is on screen. A save keeps every
+// pixel of the picture and first commits text still being typed.
 //
 // The view follows its file: when the library renames it, the view, its
 // panel and the window's title take the new name; when the library moves it

@@ -1,5 +1,5 @@
-// Where the preview shows a picture, how shapes drawn over it map onto the
-// picture's pixels, and how file sizes read.
+// Where the preview shows a picture, how shapes drawn over it are flattened
+// onto the picture's pixels, and how file sizes read.
 
 #include "annotation/preview_image_space.h"
 
@@ -28,41 +28,83 @@ TEST(PreviewImageSpace, PictureIsFittedInsideTheMarginsAndCentred) {
     EXPECT_TRUE(previewImageDisplayRect({500, 500}, {0, 0}).isEmpty());
 }
 
-TEST(PreviewImageSpace, GeometryIsScaledButStrokeWidthsAndFontsAreKept) {
-    QFont font;
-    font.setPixelSize(18);
-    const QVector<Annotation> onScreen = {
-        {Annotation::Stroke{{{24, 24}, {124, 74}}, 4.0, Qt::red, 0.5}},
-        {Annotation::Arrow{{74, 124}, {224, 174}, Qt::blue}},
-        {Annotation::Rectangle{QRectF(34, 44, 100, 50), Qt::green}},
-        {Annotation::Text{QStringLiteral("Hi"), {124, 24}, font, Qt::black}},
-        {Annotation::Blur{QRectF(24, 24, 10, 10)}},
-        {Annotation::Pixelate{QRectF(0, 0, 24, 24)}},
-    };
-    const QVector<Annotation> inImage = annotationsInImageSpace(onScreen, kHalfSize, kPicture);
-    ASSERT_EQ(inImage.size(), onScreen.size());
+namespace {
 
-    const auto& stroke = std::get<Annotation::Stroke>(inImage[0].kind);
-    EXPECT_EQ(stroke.points, (QVector<QPointF>{{0, 0}, {200, 100}}));
-    EXPECT_EQ(stroke.width, 4.0);
-    EXPECT_EQ(stroke.opacity, 0.5);
-    const auto& arrow = std::get<Annotation::Arrow>(inImage[1].kind);
-    EXPECT_EQ(arrow.from, QPointF(100, 200));
-    EXPECT_EQ(arrow.to, QPointF(400, 300));
-    EXPECT_EQ(std::get<Annotation::Rectangle>(inImage[2].kind).rect, QRectF(20, 40, 200, 100));
-    const auto& text = std::get<Annotation::Text>(inImage[3].kind);
-    EXPECT_EQ(text.origin, QPointF(200, 0));
-    EXPECT_EQ(text.font, font);
-    EXPECT_EQ(std::get<Annotation::Blur>(inImage[4].kind).rect, QRectF(0, 0, 20, 20));
-    // Shapes in the margin land outside the picture (the renderer cuts them).
-    EXPECT_EQ(std::get<Annotation::Pixelate>(inImage[5].kind).rect, QRectF(-48, -48, 48, 48));
+// How many pixels of column `x` between `fromY` and `toY` (excluded) are
+// painted, i.e. not the picture's white.
+int paintedInColumn(const QImage& image, int x, int fromY, int toY) {
+    int count = 0;
+    for (int y = fromY; y < toY; ++y) {
+        count += image.pixel(x, y) != qRgb(255, 255, 255) ? 1 : 0;
+    }
+    return count;
 }
 
-TEST(PreviewImageSpace, AxesScaleSeparatelyAndCropFollows) {
-    const QRectF display(10, 20, 100, 50);
-    const QSizeF picture(300, 100);  // kx = 3, ky = 2
-    EXPECT_EQ(cropInImageSpace(QRectF(10, 20, 50, 25), display, picture), QRectF(0, 0, 150, 50));
-    EXPECT_EQ(cropInImageSpace(std::nullopt, display, picture), std::nullopt);
+QImage whitePicture(QSize size) {
+    QImage picture(size, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    return picture;
+}
+
+}  // namespace
+
+TEST(PreviewFlattening, ShapesGrowWithThePictureAndEveryPixelIsKept) {
+    const QPointF o = kHalfSize.topLeft();
+    const QVector<Annotation> onScreen = {
+        // 4 points wide across the middle of the shown picture.
+        {Annotation::Stroke{{o + QPointF(50, 150), o + QPointF(350, 150)}, 4.0, Qt::red, 1.0}},
+        // Pointing right along y = 250 points, its tip at x = 350.
+        {Annotation::Arrow{o + QPointF(50, 250), o + QPointF(350, 250), Qt::blue}},
+        {Annotation::Rectangle{QRectF(o + QPointF(20, 20), QSizeF(60, 40)), Qt::green}},
+    };
+    const QImage flat = flattenOntoPicture(whitePicture({800, 600}), onScreen, {}, kHalfSize);
+    ASSERT_EQ(flat.size(), QSize(800, 600));
+    EXPECT_EQ(flat.devicePixelRatio(), 1.0);
+
+    // Positions double; the line is 8 pixels thick, not 4.
+    EXPECT_GE(paintedInColumn(flat, 400, 280, 320), 8);
+    EXPECT_LE(paintedInColumn(flat, 400, 280, 320), 9);
+    EXPECT_EQ(paintedInColumn(flat, 90, 280, 320), 0);  // it starts at x = 100
+    // The arrow's shaft is 2 × 2.5 thick; 20 pixels before its tip the head
+    // (24 pixels long, sides at ±30°) is about 2 × 20 × tan 30° ≈ 23 tall.
+    EXPECT_GE(paintedInColumn(flat, 400, 480, 520), 5);
+    EXPECT_LE(paintedInColumn(flat, 400, 480, 520), 6);
+    const int head = paintedInColumn(flat, 680, 470, 530);
+    EXPECT_GE(head, 20);
+    EXPECT_LE(head, 26);
+    // The rectangle's outline is 5 pixels wide around x = 40 (20 points).
+    int outline = 0;
+    for (int x = 30; x < 50; ++x) {
+        outline += flat.pixel(x, 100) != qRgb(255, 255, 255) ? 1 : 0;
+    }
+    EXPECT_GE(outline, 5);
+    EXPECT_LE(outline, 6);
+}
+
+TEST(PreviewFlattening, PixelCountIsExactAtAnyScale) {
+    // Widths whose size in points times the scale falls a hair short of the
+    // pixel count unless the scale allows for it.
+    const QSize pictures[] = {{61, 40}, {115, 77}, {1001, 333}, {1919, 1080}, {7, 3}};
+    const qreal shownWidths[] = {61 / 1.75, 115 / 1.1, 333.3, 733.5, 1.0};
+    for (const QSize& size : pictures) {
+        for (const qreal width : shownWidths) {
+            const QRectF display(QPointF(24, 24),
+                                 QSizeF(width, width * size.height() / size.width()));
+            EXPECT_EQ(flattenOntoPicture(whitePicture(size), {}, {}, display).size(), size)
+                << size.width() << " shown " << width;
+        }
+    }
+    EXPECT_EQ(pixelExactRenderScale(0), 1.0);
+    EXPECT_EQ(pixelExactRenderScale(-2), 1.0);
+}
+
+TEST(PreviewFlattening, CropIsGivenInTheAreasPointsAndNoDisplayKeepsThePicture) {
+    const QImage picture = whitePicture({800, 600});
+    const QRectF quarter(kHalfSize.topLeft() + QPointF(200, 150), kHalfSize.size() / 2);
+    EXPECT_EQ(flattenOntoPicture(picture, {}, quarter, kHalfSize).size(), QSize(400, 300));
+    const QImage untouched = flattenOntoPicture(
+        picture, {{Annotation::Rectangle{QRectF(0, 0, 50, 50), Qt::red}}}, {}, QRectF());
+    EXPECT_EQ(untouched, picture);
 }
 
 TEST(PreviewSidebarText, FileSizesUseKilobytesThenMegabytes) {

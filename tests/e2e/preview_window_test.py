@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 """The preview window with the real program: the question before unsaved
 annotations are thrown away (closing and quitting), the preview following
-its file when the gallery renames or trashes it, the window's size on a
-small (scaled) screen, and a picture beyond Qt's default size limit."""
+its file when the gallery renames or trashes it, tool keys and text still
+being typed when saving, the window's size on a small (scaled) screen, and
+a picture beyond Qt's default size limit."""
 import os
 import struct
 import subprocess
@@ -264,6 +265,34 @@ class UnsavedAnnotationsAndTheFileFollowed(PreviewSession):
         wait_until(lambda: not self.app.alive(), what="the program to quit")
         self.assertEqual(self.app.process.returncode, 0)
         self.assertEqual(read_bytes(beta), original)
+
+
+class KeysAndTextInThePreview(PreviewSession):
+    NAMES = ["typed.png"]
+
+    def changed_pixels(self):
+        return sum(count for hexa, count in colour_histogram(self.path("typed.png")).items()
+                   if hexa != FILL)
+
+    def test_a_tool_key_picks_the_tool_and_ctrl_s_saves_text_still_being_typed(self):
+        window = self.open_preview("typed.png")
+        x, y, width, height = window_geometry(window)
+        xdotool("key", "t")
+        time.sleep(0.2)
+        xdotool("mousemove", str(x + 44 + 120), str(y + height // 2), "click", "1")
+        time.sleep(0.3)
+        xdotool("type", "--delay", "30", "abc")
+        # Escape in the text field drops the text and keeps the window.
+        xdotool("key", "Escape")
+        time.sleep(0.6)
+        self.assertTrue(viewable_windows("typed"))
+        self.assertFalse(viewable_windows(QUESTION))
+
+        xdotool("click", "1")
+        time.sleep(0.3)
+        xdotool("type", "--delay", "30", "WWWW")
+        xdotool("key", "ctrl+s")  # the text is still open: saved as it shows
+        wait_until(lambda: self.changed_pixels() > 30, what="the text in the file")
 
 
 class ScaledScreenAndAHugePicture(PreviewSession):
