@@ -28,6 +28,8 @@
 #include "annotation/annotation_canvas_view.h"
 #include "annotation/annotation_toolbar.h"
 #include "annotation/area_selection_geometry.h"
+#include "annotation/color_picker_bridge.h"
+#include "annotation/preview_image_space.h"
 #include "capture/capture_file_writer.h"
 #include "capture/capture_service.h"
 #include "capture/captures_in_flight.h"
@@ -64,7 +66,11 @@ WrittenCapture writeCapture(const QImage& cut, const QVector<Annotation>& annota
                             const std::optional<QRectF>& crop,
                             const CaptureDestination& destination) {
     WrittenCapture result;
-    result.image = renderAnnotatedImage(cut, annotations, crop, 1.0);
+    // At the cut's own density: every screen pixel of the selection is kept,
+    // and the shapes grow with it, as they looked over those pixels.
+    result.image =
+        renderAnnotatedImage(cut, annotations, crop, pixelExactRenderScale(cut.devicePixelRatio()));
+    result.image.setDevicePixelRatio(cut.devicePixelRatio());
     QBuffer buffer(&result.pngData);
     if (!buffer.open(QIODevice::WriteOnly) || !result.image.save(&buffer, "PNG")) {
         result.pngData.clear();
@@ -92,9 +98,11 @@ public:
     struct Callbacks {
         std::function<void(const QRectF&)> selectionConfirmed;
         std::function<void()> newSelectionStarted;
-        std::function<void()> save;
         std::function<void()> cancel;
-        std::function<void()> undo;
+        // The editor's keys; true when the key was taken.
+        std::function<bool(const QKeyEvent&)> key;
+        std::function<void()> pressed;
+        std::function<void()> lostKeyboard;
         std::function<void()> firstFramePainted;
     };
 
@@ -143,6 +151,7 @@ protected:
     }
 
     void mousePressEvent(QMouseEvent* event) override {
+        callbacks_.pressed();
         if (event->button() != Qt::LeftButton) {
             return;
         }
@@ -176,29 +185,21 @@ protected:
     }
 
     void keyPressEvent(QKeyEvent* event) override {
-        switch (event->key()) {
-            case Qt::Key_Return:
-            case Qt::Key_Enter:
-                callbacks_.save();
-                return;
-            case Qt::Key_Escape:
-                callbacks_.cancel();
-                return;
-            case Qt::Key_Z:
-                if (event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier)) {
-                    callbacks_.undo();
-                    return;
-                }
-                break;
-            default:
-                break;
+        if (!callbacks_.key(*event)) {
+            QWidget::keyPressEvent(event);
         }
-        QWidget::keyPressEvent(event);
     }
 
     void closeEvent(QCloseEvent* event) override {
         event->accept();
         callbacks_.cancel();
+    }
+
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::WindowDeactivate) {
+            callbacks_.lostKeyboard();
+        }
+        return QWidget::event(event);
     }
 
 private:
@@ -361,22 +362,23 @@ AnnotationOverlayController::AnnotationOverlayController(QScreen* screen, bool s
                     self->onNewSelectionStarted();
                 }
             },
-        .save =
-            [self] {
-                if (self) {
-                    self->saveSelection();
-                }
-            },
         .cancel =
             [self] {
                 if (self) {
                     self->dismiss();
                 }
             },
-        .undo =
+        .key = [self](const QKeyEvent& key) { return self && self->handleEditorKey(key); },
+        .pressed =
             [self] {
                 if (self) {
-                    self->undo();
+                    self->takeKeyboardFocus();
+                }
+            },
+        .lostKeyboard =
+            [self] {
+                if (self) {
+                    self->keepKeyboardFocus();
                 }
             },
         .firstFramePainted =
@@ -388,6 +390,10 @@ AnnotationOverlayController::AnnotationOverlayController(QScreen* screen, bool s
     };
     selectionView_ = std::make_unique<SelectionOverlayView>(desktopImage_, annotationState_, frame,
                                                             std::move(callbacks));
+    // The colour dialog is a window the window manager gives the keyboard
+    // to; the overlay bypasses it and must take the keyboard back itself.
+    connect(&ColorPickerBridge::shared(), &ColorPickerBridge::dialogHidden, this,
+            &AnnotationOverlayController::takeKeyboardFocus);
     if (selectWholeScreen) {
         selectionView_->selectWholeScreen();
         onSelectionConfirmed(selectionView_->selection().selection());
@@ -415,11 +421,65 @@ void AnnotationOverlayController::show() {
     selectionView_->raise();
     // The overlay bypasses the window manager, so it takes the focus itself
     // for Return and Escape.
-    selectionView_->activateWindow();
-    selectionView_->setFocus(Qt::ActiveWindowFocusReason);
+    takeKeyboardFocus();
     if (toolbarPanel_) {  // already there for a whole-screen selection
         toolbarPanel_->raise();
     }
+}
+
+void AnnotationOverlayController::takeKeyboardFocus() {
+    if (!selectionView_ || !selectionView_->isVisible()) {
+        return;
+    }
+    if (!selectionView_->isActiveWindow()) {
+        selectionView_->activateWindow();
+    }
+    // The widget that had the keyboard last (an open text field) keeps it.
+    if (!selectionView_->focusWidget()) {
+        QWidget* target = canvasView_ ? static_cast<QWidget*>(canvasView_) : selectionView_.get();
+        target->setFocus(Qt::ActiveWindowFocusReason);
+    }
+}
+
+void AnnotationOverlayController::keepKeyboardFocus() {
+    // Only the colour dialog may hold the keyboard while the editor is up.
+    // Anything else that takes it (the window manager handing it on when the
+    // dialog leaves, after the overlay took it back) gives it back, once the
+    // change in progress is over.
+    const QColorDialog* dialog = ColorPickerBridge::shared().dialog();
+    if (dialog && dialog->isVisible()) {
+        return;
+    }
+    QTimer::singleShot(0, this, &AnnotationOverlayController::takeKeyboardFocus);
+}
+
+bool AnnotationOverlayController::handleEditorKey(const QKeyEvent& key) {
+    const Qt::KeyboardModifiers modifiers =
+        key.modifiers() & (Qt::ControlModifier | Qt::MetaModifier | Qt::AltModifier);
+    switch (key.key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            saveSelection();
+            return true;
+        case Qt::Key_Escape:
+            dismiss();
+            return true;
+        case Qt::Key_Z:
+            if (modifiers == Qt::ControlModifier || modifiers == Qt::MetaModifier) {
+                undo();
+                return true;
+            }
+            break;
+        default:
+            break;
+    }
+    // Tool keys pick a tool once there is a selection to draw on.
+    const std::optional<AnnotationTool> tool = annotationToolForKey(key.key());
+    if (tool && canvasView_ && (key.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
+        annotationState_.selectTool(*tool);
+        return true;
+    }
+    return false;
 }
 
 void AnnotationOverlayController::onSelectionConfirmed(const QRectF& selection) {
@@ -442,6 +502,13 @@ void AnnotationOverlayController::createCanvas() {
     canvas->installEventFilter(this);
     canvas->setMouseTracking(true);  // for the grips' cursors
     canvas->setCursor(Qt::CrossCursor);
+    // Until a tool is picked, drags belong to the selection underneath: one
+    // inside moves it, one outside starts a new selection.
+    const auto followDrawing = [canvas](bool drawing) {
+        canvas->setAttribute(Qt::WA_TransparentForMouseEvents, !drawing);
+    };
+    followDrawing(annotationState_.isDrawingEnabled());
+    connect(&annotationState_, &AnnotationState::drawingEnabledChanged, canvas, followDrawing);
     canvas->show();
     canvas->setFocus(Qt::OtherFocusReason);
     canvasView_ = canvas;
@@ -467,6 +534,7 @@ bool AnnotationOverlayController::eventFilter(QObject* watched, QEvent* event) {
     }
     switch (type) {
         case QEvent::MouseButtonPress: {
+            takeKeyboardFocus();
             // A press on a grip belongs to the overlay underneath, and so does
             // the rest of that drag (the canvas would keep the mouse grab).
             const auto* press = static_cast<QMouseEvent*>(event);
@@ -494,19 +562,14 @@ bool AnnotationOverlayController::eventFilter(QObject* watched, QEvent* event) {
         }
         case QEvent::KeyPress: {
             // The editor's keys, unless the text tool's field is taking them.
-            const int key = static_cast<QKeyEvent*>(event)->key();
+            const auto* key = static_cast<QKeyEvent*>(event);
             const bool editing = canvasView_->textField() != nullptr ||
                                  std::exchange(keyTakenByTextField_, nullptr) == event;
-            const bool isReturn = key == Qt::Key_Return || key == Qt::Key_Enter;
             if (editing) {
-                return isReturn;  // ends the text only: not passed on to the overlay
+                // Return ends the text only: not passed on to the overlay.
+                return key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
             }
-            if (isReturn) {
-                saveSelection();
-                return true;
-            }
-            if (key == Qt::Key_Escape) {
-                dismiss();
+            if (handleEditorKey(*key)) {
                 return true;
             }
             break;
@@ -563,6 +626,8 @@ void AnnotationOverlayController::showToolbar(const QRectF& selection) {
 }
 
 void AnnotationOverlayController::onNewSelectionStarted() {
+    // Called from the overlay's own press: the canvas is its child, not the
+    // receiver, so it may go at once.
     delete canvasView_;
     delete toolbarPanel_;
     annotationState_.reset();
@@ -594,6 +659,10 @@ QImage AnnotationOverlayController::cropToSelection(const QImage& image, const Q
 void AnnotationOverlayController::saveSelection() {
     if (!selectionView_ || saving_) {
         return;
+    }
+    // Typed text not yet confirmed is on the screen, so it is saved too.
+    if (canvasView_) {
+        canvasView_->commitOpenText();
     }
     AreaSelectionGeometry& geometry = selectionView_->selection();
     if (!geometry.canSave()) {

@@ -12,6 +12,7 @@
 #include "annotation/annotation_canvas_view.h"
 #include "annotation/annotation_state.h"
 
+class QKeyEvent;
 class QWidget;
 class SelectionOverlayView;
 struct NewCaptureFile;
@@ -19,9 +20,9 @@ struct NewCaptureFile;
 // The area editor: freezes the screen under the pointer, covers it with a
 // borderless overlay showing the frozen picture, lets the user drag and
 // adjust a selection (and annotate it), and on Return writes the selection
-// as a PNG in the save folder and runs the capture follow-up. Escape leaves
-// without writing. The controller owns itself while its overlay is up and
-// is deleted when the overlay goes. GUI thread only.
+// as a PNG in the save folder and runs the capture follow-up, at the
+// screen's full pixel resolution. Escape leaves without writing. The controller owns itself while
+// its overlay is up and is deleted when the overlay goes. GUI thread only.
 class AnnotationOverlayController : public QObject {
     Q_OBJECT
 
@@ -74,6 +75,14 @@ private:
     void onSelectionConfirmed(const QRectF& selection);
     void onNewSelectionStarted();
     void createCanvas();
+    // Gives the overlay the keyboard: it bypasses the window manager, which
+    // therefore never hands it back after another window had it.
+    void takeKeyboardFocus();
+    // Takes the keyboard back when something other than the colour dialog
+    // took it.
+    void keepKeyboardFocus();
+    // Return saves, Escape leaves, Ctrl+Z undoes, a tool's key picks it.
+    bool handleEditorKey(const QKeyEvent& key);
     void showToolbar(const QRectF& selection);
     bool eventFilter(QObject* watched, QEvent* event) override;
     void finishSaving(const NewCaptureFile& file, const QImage& image, const QByteArray& pngData);

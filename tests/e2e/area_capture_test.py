@@ -1,5 +1,7 @@
 #!/usr/bin/python3
-"""Area capture driven like a user: Super+2, a drag, tools, Return or Escape."""
+"""Area capture driven like a user: Super+2, a drag, tools picked with the
+mouse or their keys, the colour panel, Return, the toolbar's Save or Escape;
+also on a screen scaled to 200 %."""
 import glob
 import json
 import os
@@ -9,14 +11,15 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
-from quillix_session import (FreshHome, RunningApp, differing_pixels,  # noqa: E402
-                             try_open_file, viewable_windows, wait_until, window_geometry,
-                             xdotool)
+from quillix_session import (FreshHome, RunningApp, click_control,  # noqa: E402
+                             differing_pixels, try_open_file, viewable_windows, wait_until,
+                             window_geometry, xdotool)
 
 BINARY = None
 SELECTION = (250, 150, 300, 200)  # x, y, width, height on screen
 OVERLAY = "Area selection"
 TOOLBAR = "Annotation toolbar"
+COLOUR_PANEL = "Colors"
 TOOL_BUTTON_PITCH = 34.5  # toolbar buttons: pencil, arrow, rectangle, …
 
 
@@ -27,9 +30,27 @@ def pixel(path, x, y):
     return tuple(int(float(v)) for v in values[:3])  # red, green, blue
 
 
-class AreaCapture(unittest.TestCase):
+def row_pixels(path, x, y, width):
+    """(red, green, blue) of `width` pixels of row y from x on."""
+    text = subprocess.run(["convert", path, "-crop", f"{width}x1+{x}+{y}", "-depth", "8",
+                           "txt:-"], capture_output=True, text=True, check=True).stdout
+    pixels = []
+    for line in text.splitlines()[1:]:
+        values = line[line.index("(") + 1:line.index(")")].split(",")
+        pixels.append(tuple(int(float(v)) for v in values[:3]))
+    return pixels
+
+
+def is_red(rgb):
+    return rgb[0] > 200 and rgb[1] < 120 and rgb[2] < 120
+
+
+class AreaCaptureSession(unittest.TestCase):
+    EXTRA_ENV = {}
+
     def setUp(self):
         self.home = FreshHome()
+        self.home.env.update(self.EXTRA_ENV)
         subprocess.run(["xsetroot", "-solid", "#336699"], check=True)
         pattern = os.path.join(self.home.root, "pattern.png")
         subprocess.run(["convert", "-size", "240x160", "gradient:#ff2020-#2040ff", "-fill",
@@ -63,9 +84,9 @@ class AreaCapture(unittest.TestCase):
         xdotool("mousemove", str(x), str(y), "mousedown", "1", "mousemove", str(x + width // 2),
                 str(y + height // 2), "mousemove", str(x + width), str(y + height), "mouseup", "1")
 
-    def expected_cut(self):
-        x, y, width, height = SELECTION
-        cut = os.path.join(self.home.root, "expected.png")
+    def expected_cut(self, rect=SELECTION):
+        x, y, width, height = rect
+        cut = os.path.join(self.home.root, f"expected-{x}-{y}-{width}-{height}.png")
         subprocess.run(["convert", self.screen, "-crop", f"{width}x{height}+{x}+{y}", "+repage",
                         cut], check=True)
         return cut
@@ -81,6 +102,18 @@ class AreaCapture(unittest.TestCase):
         xdotool("key", "Return")
         return wait_until(self.captures, what="the saved capture")[0]
 
+    def drag(self, x1, y1, x2, y2):
+        xdotool("mousemove", str(x1), str(y1), "mousedown", "1", "mousemove",
+                str((x1 + x2) // 2), str((y1 + y2) // 2), "mousemove", str(x2), str(y2),
+                "mouseup", "1")
+        time.sleep(0.2)
+
+    def size_of(self, path):
+        return subprocess.run(["identify", "-format", "%wx%h", path], capture_output=True,
+                              text=True).stdout
+
+
+class AreaCapture(AreaCaptureSession):
     def test_drag_and_return_save_the_screen_pixels(self):
         self.select(*SELECTION)
         capture = self.save()
@@ -124,8 +157,7 @@ class AreaCapture(unittest.TestCase):
         self.drag(x + 200, y + 30, x + 360, y + 30)  # runs past the right edge
         capture = self.save()
         expected = self.expected_cut()
-        self.assertEqual(subprocess.run(["identify", "-format", "%wx%h", capture],
-                                        capture_output=True, text=True).stdout, "300x200")
+        self.assertEqual(self.size_of(capture), "300x200")
         # Inside the blur the pattern's sharp edges are smeared…
         changed = sum(pixel(capture, px, 115) != pixel(expected, px, 115)
                       for px in range(45, 175, 10))
@@ -138,12 +170,6 @@ class AreaCapture(unittest.TestCase):
         self.assertGreater(shaft[0], 200, shaft)
         self.assertLess(shaft[1], 120, shaft)
 
-    def drag(self, x1, y1, x2, y2):
-        xdotool("mousemove", str(x1), str(y1), "mousedown", "1", "mousemove",
-                str((x1 + x2) // 2), str((y1 + y2) // 2), "mousemove", str(x2), str(y2),
-                "mouseup", "1")
-        time.sleep(0.2)
-
     def test_escape_leaves_nothing_and_a_thin_selection_is_not_confirmed(self):
         self.select(250, 150, 10, 200)
         time.sleep(0.8)
@@ -153,6 +179,85 @@ class AreaCapture(unittest.TestCase):
         wait_until(lambda: not viewable_windows(OVERLAY), what="the overlay to close")
         time.sleep(0.5)
         self.assertEqual(self.captures(), [])
+
+    def test_the_keyboard_comes_back_after_the_colour_panel(self):
+        self.select(*SELECTION)
+        wait_until(lambda: viewable_windows(TOOLBAR), what="the toolbar")
+        click_control("Color")
+        panel = wait_until(lambda: viewable_windows(COLOUR_PANEL), what="the colour panel")[0]
+        xdotool("windowactivate", "--sync", panel)
+        time.sleep(0.3)
+        xdotool("key", "Escape")  # closes the panel, which has the keyboard
+        wait_until(lambda: not viewable_windows(COLOUR_PANEL), what="the panel to close")
+        time.sleep(0.5)
+        self.assertTrue(viewable_windows(OVERLAY))
+        xdotool("key", "Escape")
+        wait_until(lambda: not viewable_windows(OVERLAY), timeout=5,
+                   what="Escape to reach the editor")
+        time.sleep(0.5)
+        self.assertEqual(self.captures(), [])
+
+    def test_until_a_tool_is_picked_a_drag_moves_the_selection_then_keys_pick_tools(self):
+        x, y, width, height = SELECTION
+        self.select(*SELECTION)
+        wait_until(lambda: viewable_windows(TOOLBAR), what="the toolbar")
+        time.sleep(0.3)
+        self.drag(x + 150, y + 100, x + 200, y + 140)  # moves it by 50, 40
+        moved = (x + 50, y + 40, width, height)
+        xdotool("key", "r")
+        time.sleep(0.2)
+        self.drag(moved[0] + 50, moved[1] + 40, moved[0] + 150, moved[1] + 120)
+        capture = self.save()
+        self.assertEqual(self.size_of(capture), "300x200")
+        expected = self.expected_cut(moved)
+        self.assertTrue(is_red(pixel(capture, 50, 100)), pixel(capture, 50, 100))  # left edge
+        self.assertFalse(is_red(pixel(expected, 50, 100)))
+        for point in ((10, 10), (250, 20), (20, 180), (100, 80), (290, 190)):
+            self.assertEqual(pixel(capture, *point), pixel(expected, *point), point)
+
+    def test_text_still_being_typed_is_saved_by_the_toolbars_save(self):
+        x, y, _, _ = SELECTION
+        self.select(*SELECTION)
+        wait_until(lambda: viewable_windows(TOOLBAR), what="the toolbar")
+        time.sleep(0.3)
+        xdotool("key", "t")
+        xdotool("mousemove", str(x + 40), str(y + 60), "click", "1")
+        time.sleep(0.3)
+        xdotool("type", "--delay", "30", "WWWW")
+        time.sleep(0.2)
+        click_control("Save")
+        capture = wait_until(self.captures, what="the saved capture")[0]
+        region = "120x80+30+20"  # around where the text was typed
+        shot = os.path.join(self.home.root, "text.png")
+        original = os.path.join(self.home.root, "no-text.png")
+        for source, target in ((capture, shot), (self.expected_cut(), original)):
+            subprocess.run(["convert", source, "-crop", region, "+repage", target], check=True)
+        self.assertGreater(differing_pixels(shot, original), 150)
+
+
+class AreaCaptureOnAScaledScreen(AreaCaptureSession):
+    """At 200 % the saved file has every screen pixel its size label promises,
+    and the shapes grow with it."""
+    EXTRA_ENV = {"QT_SCALE_FACTOR": "2"}
+
+    def test_the_file_keeps_every_screen_pixel_and_strokes_scale(self):
+        selection = (250, 150, 600, 400)  # screen pixels: 300 × 200 points
+        self.select(*selection)
+        wait_until(lambda: viewable_windows(TOOLBAR), what="the toolbar")
+        time.sleep(0.3)
+        xdotool("key", "r")
+        time.sleep(0.2)
+        x, y, _, _ = selection
+        self.drag(x + 100, y + 80, x + 300, y + 240)
+        capture = self.save()
+        self.assertEqual(self.size_of(capture), "600x400")
+        expected = self.expected_cut(selection)
+        for point in ((10, 10), (500, 300), (200, 160)):
+            self.assertEqual(pixel(capture, *point), pixel(expected, *point), point)
+        # The outline is 2.5 points wide on the screen: 5 of its pixels.
+        outline = sum(is_red(rgb) for rgb in row_pixels(capture, 90, 160, 20))
+        self.assertGreaterEqual(outline, 4)
+        self.assertLessEqual(outline, 6)
 
 
 if __name__ == "__main__":
