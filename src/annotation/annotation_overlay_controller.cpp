@@ -49,6 +49,10 @@ constexpr qreal kRedrawMargin = 12.0;
 constexpr qreal kLabelRedrawHeight = 40.0;
 // The toolbar's painted corner radius, for its window shape.
 constexpr qreal kToolbarCornerRadius = 14.0;
+// How often, and how far apart, the overlay checks that it got the keyboard
+// back after the colour dialog left.
+constexpr int kKeyboardRetries = 10;
+constexpr int kKeyboardRetryMs = 100;
 
 // Editors queued by start() and not yet shown, and editors shown and not yet
 // dismissed: one area editor at a time.
@@ -393,7 +397,7 @@ AnnotationOverlayController::AnnotationOverlayController(QScreen* screen, bool s
     // The colour dialog is a window the window manager gives the keyboard
     // to; the overlay bypasses it and must take the keyboard back itself.
     connect(&ColorPickerBridge::shared(), &ColorPickerBridge::dialogHidden, this,
-            &AnnotationOverlayController::takeKeyboardFocus);
+            [this] { takeKeyboardFocusBack(kKeyboardRetries); });
     if (selectWholeScreen) {
         selectionView_->selectWholeScreen();
         onSelectionConfirmed(selectionView_->selection().selection());
@@ -438,6 +442,23 @@ void AnnotationOverlayController::takeKeyboardFocus() {
     if (!selectionView_->focusWidget()) {
         QWidget* target = canvasView_ ? static_cast<QWidget*>(canvasView_) : selectionView_.get();
         target->setFocus(Qt::ActiveWindowFocusReason);
+    }
+}
+
+void AnnotationOverlayController::takeKeyboardFocusBack(int retries) {
+    const QColorDialog* dialog = ColorPickerBridge::shared().dialog();
+    if (!selectionView_ || !selectionView_->isVisible() || (dialog && dialog->isVisible()) ||
+        selectionView_->isActiveWindow()) {
+        return;
+    }
+    takeKeyboardFocus();
+    // The window manager hands the keyboard on to one of its windows once
+    // the dialog has gone, and that can land after this request and win
+    // (the server drops a focus request older than the last change). Look
+    // again shortly, when the request carries a newer time.
+    if (retries > 0) {
+        QTimer::singleShot(kKeyboardRetryMs, this,
+                           [this, retries] { takeKeyboardFocusBack(retries - 1); });
     }
 }
 

@@ -78,6 +78,9 @@ private:
     // Gives the overlay the keyboard: it bypasses the window manager, which
     // therefore never hands it back after another window had it.
     void takeKeyboardFocus();
+    // The same after the colour dialog left, checked again a few times until
+    // the overlay has the keyboard.
+    void takeKeyboardFocusBack(int retries);
     // Takes the keyboard back when something other than the colour dialog
     // took it.
     void keepKeyboardFocus();
