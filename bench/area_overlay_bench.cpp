@@ -33,7 +33,7 @@
 #include <thread>
 #include <vector>
 
-#include "annotation/annotation_overlay_controller.h"
+#include "area_capture/annotation_overlay_controller.h"
 #include "bench_support.h"
 #include "storage/user_defaults.h"
 

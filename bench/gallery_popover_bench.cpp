@@ -29,16 +29,15 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/app_signals.h"
 #include "bench_support.h"
-#include "capture/capture_registry.h"
-#include "capture/screenshot_store.h"
+#include "library/capture_registry.h"
+#include "library/screenshot_store.h"
 #include "storage/screenshot_metadata_store.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
-#include "ui/gallery/gallery_grid_view.h"
-#include "ui/gallery/menu_bar_view.h"
-#include "ui/gallery/screenshot_filter_model.h"
+#include "gallery/gallery_grid_view.h"
+#include "gallery/menu_bar_view.h"
+#include "gallery/screenshot_filter_model.h"
 
 namespace {
 
@@ -162,7 +161,7 @@ int main(int argc, char** argv) {
         const int before = gridPaints->paints;
         QElapsedTimer timer;
         timer.start();
-        Q_EMIT AppSignals::instance().popoverWillShow();
+        view->prepareToShow();
         popover.show();
         if (!spinUntil([&] { return gridPaints->paints > before; })) {
             std::printf("opening %d: no frame within 5 s\n", opening);

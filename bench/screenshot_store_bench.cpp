@@ -24,8 +24,8 @@
 #include <vector>
 
 #include "bench_support.h"
-#include "capture/capture_registry.h"
-#include "capture/screenshot_store.h"
+#include "library/capture_registry.h"
+#include "library/screenshot_store.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 

@@ -39,8 +39,14 @@ QImage renderAnnotatedImage(const QImage& image, const QVector<Annotation>& anno
     if (cropRect) {
         area = keptArea(area.size(), cropRect->normalized());
     }
-    const int pixelWidth = static_cast<int>(area.width() * scale);
-    const int pixelHeight = static_cast<int>(area.height() * scale);
+    // Whole pixels, the fraction dropped; but a size that is whole up to the
+    // rounding of points times scale (61 / 1.75 × 1.75) keeps its last pixel.
+    const auto wholePixels = [scale](qreal points) {
+        constexpr qreal kRoundingSlack = 1e-6;
+        return static_cast<int>(points * scale + kRoundingSlack);
+    };
+    const int pixelWidth = wholePixels(area.width());
+    const int pixelHeight = wholePixels(area.height());
     if (pixelWidth <= 0 || pixelHeight <= 0) {
         return image;
     }

@@ -11,7 +11,7 @@
 #include <algorithm>
 
 #include "annotation/color_picker_bridge.h"
-#include "annotation/symbol_icon.h"
+#include "widgets/symbol_icon.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <optional>
 
 #include "app/app_delegate.h"
-#include "capture/capture_service.h"
-#include "capture/screenshot_store.h"
+#include "library/capture_service.h"
+#include "library/screenshot_store.h"
 #include "storage/user_settings.h"
 
 namespace {

@@ -4,20 +4,19 @@
 #include <QCursor>
 #include <QEvent>
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <QScreen>
 #include <QSystemTrayIcon>
 #include <QTimer>
 
-#include "annotation/annotation_overlay_controller.h"
-#include "annotation/screenshot_preview_window_controller.h"
-#include "app/app_signals.h"
+#include "area_capture/annotation_overlay_controller.h"
+#include "preview/screenshot_preview_window_controller.h"
 #include "app/bar_icon.h"
 #include "app/clear_screen_starter.h"
-#include "app/diagnostics.h"
-#include "app/popover_placement.h"
+#include "widgets/popover_placement.h"
 #include "app/popover_window.h"
-#include "capture/hot_key_manager.h"
-#include "capture/screenshot_store.h"
+#include "app/hot_key_manager.h"
+#include "library/screenshot_store.h"
 #include "platform/click_monitor.h"
 #include "platform/notifier.h"
 #include "platform/platform_services.h"
@@ -25,8 +24,10 @@
 #include "platform/window_unmap_watcher.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
-#include "ui/gallery/menu_bar_view.h"
-#include "ui/gallery/pill_panel.h"
+#include "gallery/menu_bar_view.h"
+#include "gallery/pill_panel.h"
+
+Q_LOGGING_CATEGORY(lcApp, "quillix.app")
 
 namespace {
 
@@ -53,8 +54,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     buildStatusItem();
     buildPopover();
     if (!UserDefaults::shared().hasSeenOnboarding()) {
-        printDiagnostic(
-            QStringLiteral("Quillix: first run; the welcome slides come in a later version"));
+        qCInfo(lcApp).noquote()
+            << QStringLiteral("Quillix: first run; the welcome slides come in a later version");
     }
     runCleanUpAtLaunch();
     setUpHotkeys();
@@ -86,14 +87,18 @@ void AppDelegate::buildPopover() {
     // The gallery is made once and kept, so its filters survive closing and
     // reopening the popover.
     auto* gallery = new MenuBarView();
+    gallery_ = gallery;
     popover_->setContent(gallery);
     // The preview's own opening closes the popover and waits for it once.
     connect(gallery, &MenuBarView::itemSelected, this, &AppDelegate::openPreview);
     connect(popover_.get(), &PopoverWindow::closed, this, &AppDelegate::popoverDidClose);
 
-    AppSignals& hub = AppSignals::instance();
-    connect(&hub, &AppSignals::quillixClosePopover, this, &AppDelegate::handleClosePopover);
-    connect(&hub, &AppSignals::customBarIconChanged, this, &AppDelegate::applyCustomBarIcon);
+    const QPointer<AppDelegate> self(this);
+    ScreenshotPreviewWindowController::setPopoverCloser([self] {
+        if (self) {
+            self->handleClosePopover();
+        }
+    });
 
     const QString customIcon = UserDefaults::shared().customAppIconPath();
     if (!customIcon.isEmpty()) {
@@ -122,7 +127,9 @@ void AppDelegate::togglePopover() {
         handleClosePopover();
         return;
     }
-    Q_EMIT AppSignals::instance().popoverWillShow();
+    if (gallery_) {
+        gallery_->prepareToShow();
+    }
     showPopover();
     showPillPanel();
     installClickMonitor();
@@ -149,6 +156,11 @@ void AppDelegate::showPillPanel() {
     actions.quit = [] {
         // Unsaved annotations in a preview are asked about first.
         ScreenshotPreviewWindowController::settleUnsavedChanges([] { QCoreApplication::exit(0); });
+    };
+    actions.closePopover = [self = QPointer<AppDelegate>(this)] {
+        if (self) {
+            self->handleClosePopover();
+        }
     };
     pillPanel_ = std::make_unique<PillPanel>(
         ScreenshotStore::shared(), PlatformServices::instance().soundPlayer(), std::move(actions));
@@ -220,8 +232,8 @@ void AppDelegate::runCleanUpAtLaunch() {
 void AppDelegate::setUpHotkeys() {
     HotkeyBackend* backend = PlatformServices::instance().hotkeyBackend();
     if (backend == nullptr) {
-        printDiagnostic(
-            QStringLiteral("⚠️ Quillix: global hotkeys are not available on this display"));
+        qCWarning(lcApp).noquote()
+            << QStringLiteral("⚠️ Quillix: global hotkeys are not available on this display");
         return;
     }
     hotKeyManager_ = std::make_unique<HotKeyManager>(*backend, UserSettings::shared());
@@ -275,7 +287,7 @@ void AppDelegate::openNotifiedCapture(const QString& fileName) {
 }
 
 void AppDelegate::showHUD() {
-    printDiagnostic(QStringLiteral("Quillix: the capture HUD comes in a later version"));
+    qCInfo(lcApp).noquote() << QStringLiteral("Quillix: the capture HUD comes in a later version");
 }
 
 bool AppDelegate::isCaptureUnderWay() const {
@@ -291,13 +303,15 @@ void AppDelegate::captureArea() {
 
 void AppDelegate::recordWindow() {
     startOnClearScreen(kRecordingLatestStartMs, [] {
-        printDiagnostic(QStringLiteral("Quillix: window recording comes in a later version"));
+        qCInfo(lcApp).noquote()
+            << QStringLiteral("Quillix: window recording comes in a later version");
     });
 }
 
 void AppDelegate::recordScreen() {
     startOnClearScreen(kRecordingLatestStartMs, [] {
-        printDiagnostic(QStringLiteral("Quillix: screen recording comes in a later version"));
+        qCInfo(lcApp).noquote()
+            << QStringLiteral("Quillix: screen recording comes in a later version");
     });
 }
 

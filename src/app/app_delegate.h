@@ -8,6 +8,7 @@
 
 class ClearScreenStarter;
 class HotKeyManager;
+class MenuBarView;
 class ScreenshotItem;
 class PillPanel;
 class PopoverWindow;
@@ -67,6 +68,7 @@ private:
     std::unique_ptr<QSystemTrayIcon> statusItem_;
     QString customIconPath_;
     std::unique_ptr<PopoverWindow> popover_;
+    QPointer<MenuBarView> gallery_;  // the popover's content
     std::unique_ptr<PillPanel> pillPanel_;
     bool clickMonitorInstalled_ = false;
     std::unique_ptr<HotKeyManager> hotKeyManager_;

@@ -6,9 +6,9 @@
 #include "app/app_control.h"
 #include "app/app_delegate.h"
 #include "app/command_line.h"
-#include "app/diagnostics.h"
+#include "app/log_output.h"
 #include "app/quit_on_signal.h"
-#include "capture/captures_in_flight.h"
+#include "library/captures_in_flight.h"
 #include "platform/notification_attachment.h"
 
 namespace {
@@ -30,9 +30,9 @@ QStringList argumentsOf(int argc, char* argv[]) {
 // One copy per session: the first keeps running, a later one opens the
 // first one's gallery and leaves.
 void handOverToRunningCopy() {
-    printDiagnostic(AppControl::openGalleryOfRunningCopy()
-                        ? QStringLiteral("Quillix is already running; its gallery is open.")
-                        : QStringLiteral("Quillix is already running (it did not answer)."));
+    print(stdout, AppControl::openGalleryOfRunningCopy()
+                      ? QStringLiteral("Quillix is already running; its gallery is open.\n")
+                      : QStringLiteral("Quillix is already running (it did not answer).\n"));
 }
 
 }  // namespace
@@ -46,7 +46,8 @@ int main(int argc, char* argv[]) {
         return commandLine.exitStatus();
     }
 
-    // The icons live in the core library's resources, which a static library
+    installLogOutput();
+    // The icons live in the widget layer's resources, which a static library
     // does not register by itself.
     Q_INIT_RESOURCE(quillix);
     QApplication application(argc, argv);

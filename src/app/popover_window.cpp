@@ -3,7 +3,7 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
-#include "app/popover_placement.h"
+#include "widgets/popover_placement.h"
 
 PopoverWindow::PopoverWindow(QWidget* parent)
     : FloatingPanel(QStringLiteral("Quillix gallery"), 10, Focus::accepts, parent) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/floating_panel.h"
+#include "widgets/floating_panel.h"
 
 // The 320 × 420 window under the tray icon that hosts the gallery.
 class PopoverWindow : public FloatingPanel {

@@ -1,5 +1,6 @@
 #include "platform/key_codes.h"
 
+#include <QString>
 #include <utility>
 
 namespace KeyCodes {
@@ -46,3 +47,27 @@ quint32 keyCodeFromEvdev(quint32 evdevCode) {
 }
 
 }  // namespace KeyCodes
+
+namespace {
+
+// Labels of the keys that have one; every other key shows as "(code)".
+constexpr std::pair<quint32, const char*> kKeyNames[] = {
+    {0, "A"},   {1, "S"},    {2, "D"},    {3, "F"},      {4, "H"},    {5, "G"},   {6, "Z"},
+    {7, "X"},   {8, "C"},    {9, "V"},    {11, "B"},     {12, "Q"},   {13, "W"},  {14, "E"},
+    {15, "R"},  {16, "Y"},   {17, "T"},   {18, "1"},     {19, "2"},   {20, "3"},  {21, "4"},
+    {22, "6"},  {23, "5"},   {25, "9"},   {26, "7"},     {28, "8"},   {29, "0"},  {31, "O"},
+    {32, "U"},  {34, "I"},   {35, "P"},   {36, "↩"},     {37, "L"},   {38, "J"},  {40, "K"},
+    {45, "N"},  {46, "M"},   {48, "⇥"},   {49, "Space"}, {96, "F5"},  {97, "F6"}, {98, "F7"},
+    {99, "F3"}, {100, "F8"}, {118, "F4"}, {120, "F2"},   {122, "F1"},
+};
+
+}  // namespace
+
+QString keyName(quint32 keyCode) {
+    for (const auto& [code, name] : kKeyNames) {
+        if (code == keyCode) {
+            return QString::fromUtf8(name);
+        }
+    }
+    return QStringLiteral("(%1)").arg(keyCode);
+}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QtGlobal>
 #include <optional>
 
@@ -27,3 +28,17 @@ inline quint32 keyCodeFromXKeycode(quint32 xKeycode) {
 }
 
 }  // namespace KeyCodes
+
+// Modifier bits of a stored key combination.
+namespace KeyModifiers {
+
+inline constexpr qint64 kSuper = 0x100;  // the logo key
+inline constexpr qint64 kShift = 0x200;
+inline constexpr qint64 kAlt = 0x800;
+inline constexpr qint64 kControl = 0x1000;
+
+}  // namespace KeyModifiers
+
+// The fixed label of a position code ("A", "1", "↩", "F5", …), or "(code)"
+// for keys without one.
+QString keyName(quint32 keyCode);

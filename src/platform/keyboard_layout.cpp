@@ -1,6 +1,6 @@
 #include "platform/keyboard_layout.h"
 
-#include "storage/hotkey_binding.h"
+#include "platform/key_codes.h"
 
 QString FixedKeyboardLayout::keyLabel(quint32 keyCode) const {
     return keyName(keyCode);

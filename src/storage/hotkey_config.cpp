@@ -29,8 +29,8 @@ const char* jsonKey(HotkeyAction action) {
 }
 
 HotkeyConfig HotkeyConfig::defaults() {
-    constexpr qint64 command = HotkeyBinding::kCommand;
-    constexpr qint64 shiftCommand = HotkeyBinding::kShift | HotkeyBinding::kCommand;
+    constexpr qint64 command = KeyModifiers::kSuper;
+    constexpr qint64 shiftCommand = KeyModifiers::kShift | KeyModifiers::kSuper;
     HotkeyConfig config;
     config.bindings_ = {{
         {18, shiftCommand},  // openMenu: ⇧⌘1

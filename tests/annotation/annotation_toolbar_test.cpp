@@ -5,7 +5,7 @@
 #include <QtTest>
 
 #include "annotation/annotation_sidebar.h"
-#include "annotation/symbol_icon.h"
+#include "widgets/symbol_icon.h"
 
 namespace {
 

@@ -19,14 +19,14 @@
 #include <cstdlib>
 #include <optional>
 
-#include "annotation/annotation_overlay_controller.h"
+#include "area_capture/annotation_overlay_controller.h"
 #include "app/app_delegate.h"
 #include "app/bar_icon.h"
-#include "capture/screenshot_item.h"
+#include "library/screenshot_item.h"
 #include "platform/platform_services.h"
 #include "platform/window_unmap_watcher.h"
-#include "ui/gallery/menu_bar_view.h"
-#include "ui/window_corners.h"
+#include "gallery/menu_bar_view.h"
+#include "widgets/window_corners.h"
 
 namespace {
 

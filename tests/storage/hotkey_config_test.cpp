@@ -6,10 +6,10 @@
 
 namespace {
 
-constexpr qint64 kCmd = HotkeyBinding::kCommand;
-constexpr qint64 kShift = HotkeyBinding::kShift;
-constexpr qint64 kOpt = HotkeyBinding::kOption;
-constexpr qint64 kCtrl = HotkeyBinding::kControl;
+constexpr qint64 kCmd = KeyModifiers::kSuper;
+constexpr qint64 kShift = KeyModifiers::kShift;
+constexpr qint64 kOpt = KeyModifiers::kAlt;
+constexpr qint64 kCtrl = KeyModifiers::kControl;
 
 constexpr char kDefaultHotkeysJson[] =
     R"({"openMenu":{"keyCode":18,"modifiers":768},"showHUD":{"keyCode":19,"modifiers":768},)"

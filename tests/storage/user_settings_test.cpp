@@ -21,7 +21,7 @@ constexpr char kDefaultDocument[] =
 // The bare bindings document older versions stored, with ⌘5 for area capture.
 QByteArray legacyBindingsDocument() {
     HotkeyConfig config = HotkeyConfig::defaults();
-    config.setBinding(HotkeyAction::captureArea, {23, HotkeyBinding::kCommand});
+    config.setBinding(HotkeyAction::captureArea, {23, KeyModifiers::kSuper});
     return encodeJson(config.toJson());
 }
 
@@ -55,13 +55,13 @@ TEST_F(UserSettingsTest, ChangesSurviveARestartAndKeepMemberOrder) {
     {
         const auto settings = load();
         settings->setHotkey(HotkeyAction::recordScreen,
-                            {1099, HotkeyBinding::kControl | HotkeyBinding::kShift});
+                            {1099, KeyModifiers::kControl | KeyModifiers::kShift});
         settings->setLastShelfLocation(QStringLiteral("/home/ana/Shelves ⌘"));
         settings->setShowOnlyQuillixItems(false);
     }
     const auto reloaded = load();
     EXPECT_EQ(reloaded->hotkeys().binding(HotkeyAction::recordScreen),
-              (HotkeyBinding{1099, HotkeyBinding::kControl | HotkeyBinding::kShift}));
+              (HotkeyBinding{1099, KeyModifiers::kControl | KeyModifiers::kShift}));
     EXPECT_EQ(reloaded->lastShelfLocation(), QStringLiteral("/home/ana/Shelves ⌘"));
     EXPECT_FALSE(reloaded->showOnlyQuillixItems());
 
@@ -75,7 +75,7 @@ TEST_F(UserSettingsTest, LegacyBareBindingsLoadAndAreRewrittenInTheCurrentFormat
     writeFileBytes(settingsPath(), legacyBindingsDocument());
     const auto settings = load();
     EXPECT_EQ(settings->hotkeys().binding(HotkeyAction::captureArea),
-              (HotkeyBinding{23, HotkeyBinding::kCommand}));
+              (HotkeyBinding{23, KeyModifiers::kSuper}));
     EXPECT_TRUE(settings->showOnlyQuillixItems());
     const auto json = decodeJson(storedDocument().value());
     ASSERT_TRUE(json);
@@ -161,10 +161,10 @@ TEST_F(UserSettingsTest, EveryAssignmentAnnouncesAndSavesEvenWhenUnchanged) {
     EXPECT_NE(before, after);  // a fresh nonce proves the file was rewritten
     EXPECT_EQ(AppCrypto::decrypt(after), AppCrypto::decrypt(before));
 
-    settings->setHotkey(HotkeyAction::showHUD, {4, HotkeyBinding::kOption});
+    settings->setHotkey(HotkeyAction::showHUD, {4, KeyModifiers::kAlt});
     ASSERT_EQ(hotkeySpy.count(), 1);
     EXPECT_EQ(hotkeySpy.at(0).at(0).value<HotkeyConfig>().binding(HotkeyAction::showHUD),
-              (HotkeyBinding{4, HotkeyBinding::kOption}));
+              (HotkeyBinding{4, KeyModifiers::kAlt}));
 }
 
 TEST_F(UserSettingsTest, UnwritableFolderKeepsValuesInMemory) {

@@ -10,7 +10,6 @@
 #include <optional>
 
 #include "platform/key_codes.h"
-#include "storage/hotkey_binding.h"
 
 namespace {
 
@@ -168,16 +167,16 @@ void X11HotkeyBackend::readModifierMasks() {
 // Bits outside the four known ones are not grabbed; the stored mask keeps them.
 quint16 X11HotkeyBackend::xModifiersFor(quint32 modifiers) const {
     quint16 x = 0;
-    if ((modifiers & HotkeyBinding::kCommand) != 0) {
+    if ((modifiers & KeyModifiers::kSuper) != 0) {
         x |= masks_.super;
     }
-    if ((modifiers & HotkeyBinding::kShift) != 0) {
+    if ((modifiers & KeyModifiers::kShift) != 0) {
         x |= XCB_MOD_MASK_SHIFT;
     }
-    if ((modifiers & HotkeyBinding::kOption) != 0) {
+    if ((modifiers & KeyModifiers::kAlt) != 0) {
         x |= masks_.alt;
     }
-    if ((modifiers & HotkeyBinding::kControl) != 0) {
+    if ((modifiers & KeyModifiers::kControl) != 0) {
         x |= XCB_MOD_MASK_CONTROL;
     }
     return x;

@@ -14,7 +14,6 @@
 #include <array>
 
 #include "platform/key_codes.h"
-#include "storage/hotkey_binding.h"
 
 namespace {
 

@@ -1,0 +1,14 @@
+#include "library/image_clipboard.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
+
+void putImageOnClipboard(const QImage& image, const QByteArray& pngData) {
+    auto* mime = new QMimeData();
+    mime->setImageData(image);
+    if (!pngData.isEmpty()) {
+        mime->setData(QStringLiteral("image/png"), pngData);
+    }
+    QGuiApplication::clipboard()->setMimeData(mime, QClipboard::Clipboard);
+}
