@@ -2,19 +2,14 @@
 
 #include <QBuffer>
 #include <QChildEvent>
-#include <QCloseEvent>
 #include <QCoreApplication>
 #include <QCursor>
 #include <QFile>
-#include <QFontDatabase>
-#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPaintEvent>
 #include <QPainter>
-#include <QPen>
 #include <QPointer>
 #include <QScreen>
 #include <QTimer>
@@ -27,8 +22,9 @@
 #include "annotation/annotated_image_renderer.h"
 #include "annotation/annotation_canvas_view.h"
 #include "annotation/annotation_toolbar.h"
-#include "area_capture/area_selection_geometry.h"
 #include "annotation/color_picker_bridge.h"
+#include "area_capture/area_selection_geometry.h"
+#include "area_capture/selection_overlay_view.h"
 #include "library/capture_file_writer.h"
 #include "library/capture_service.h"
 #include "library/captures_in_flight.h"
@@ -36,16 +32,6 @@
 
 namespace {
 
-const QColor kSurroundDimming(0, 0, 0, qRound(0.45 * 255));
-const QColor kSelectionOutline(255, 255, 255, qRound(0.9 * 255));
-const QColor kHandleShadow(0, 0, 0, qRound(0.4 * 255));
-const QColor kLabelFill(0, 0, 0, qRound(0.65 * 255));
-constexpr qreal kSelectionOutlineWidth = 1.5;
-constexpr qreal kLabelCornerRadius = 5.0;
-// Room around the selection that a redraw must cover: outline, handles with
-// their shadow, and the size label on either side.
-constexpr qreal kRedrawMargin = 12.0;
-constexpr qreal kLabelRedrawHeight = 40.0;
 // The toolbar's painted corner radius, for its window shape.
 constexpr qreal kToolbarCornerRadius = 14.0;
 // How often, and how far apart, the overlay checks that it got the keyboard
@@ -71,8 +57,7 @@ WrittenCapture writeCapture(const QImage& cut, const QVector<Annotation>& annota
     WrittenCapture result;
     // At the cut's own density: every screen pixel of the selection is kept,
     // and the shapes grow with it, as they looked over those pixels.
-    result.image =
-        renderAnnotatedImage(cut, annotations, crop, cut.devicePixelRatio());
+    result.image = renderAnnotatedImage(cut, annotations, crop, cut.devicePixelRatio());
     result.image.setDevicePixelRatio(cut.devicePixelRatio());
     QBuffer buffer(&result.pngData);
     if (!buffer.open(QIODevice::WriteOnly) || !result.image.save(&buffer, "PNG")) {
@@ -84,225 +69,7 @@ WrittenCapture writeCapture(const QImage& cut, const QVector<Annotation>& annota
     return result;
 }
 
-QFont sizeLabelFont() {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPixelSize(11);
-    font.setWeight(QFont::Medium);
-    return font;
-}
-
 }  // namespace
-
-// The overlay window's content: the frozen screen, the dimmed surround, the
-// selection with its grips and size label; it turns mouse gestures into
-// selection changes and carries the editor's keys.
-class SelectionOverlayView : public QWidget {
-public:
-    struct Callbacks {
-        std::function<void(const QRectF&)> selectionConfirmed;
-        std::function<void()> newSelectionStarted;
-        std::function<void()> cancel;
-        // The editor's keys; true when the key was taken.
-        std::function<bool(const QKeyEvent&)> key;
-        std::function<void()> pressed;
-        std::function<void()> lostKeyboard;
-        std::function<void()> firstFramePainted;
-    };
-
-    SelectionOverlayView(const QPixmap& desktopImage, AnnotationState& state, const QRect& frame,
-                         Callbacks callbacks)
-        : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                               Qt::X11BypassWindowManagerHint),
-          desktopImage_(desktopImage),
-          state_(state),
-          geometry_(QSizeF(frame.size())),
-          callbacks_(std::move(callbacks)),
-          labelFont_(sizeLabelFont()) {
-        setWindowTitle(QStringLiteral("Area selection"));
-        setAccessibleName(windowTitle());
-        setAttribute(Qt::WA_OpaquePaintEvent);  // the frozen screen covers every pixel
-        setAttribute(Qt::WA_NoSystemBackground);
-        setMouseTracking(true);
-        setFocusPolicy(Qt::StrongFocus);
-        setCursor(Qt::CrossCursor);
-        setGeometry(frame);
-    }
-
-    AreaSelectionGeometry& selection() { return geometry_; }
-
-    void selectWholeScreen() {
-        geometry_.selectAll();
-        update();
-        describeSize();
-    }
-
-protected:
-    void paintEvent(QPaintEvent* event) override {
-        QPainter painter(this);
-        painter.setClipRegion(event->region());
-        painter.drawPixmap(rect(), desktopImage_);
-        paintDimming(painter);
-        if (!geometry_.selection().isEmpty() || geometry_.isSelectionSet()) {
-            paintOutline(painter);
-            if (geometry_.isSelectionSet()) {
-                paintHandles(painter);
-            }
-            paintSizeLabel(painter);
-        }
-        painter.end();
-        noteFirstFrame();
-    }
-
-    void mousePressEvent(QMouseEvent* event) override {
-        callbacks_.pressed();
-        if (event->button() != Qt::LeftButton) {
-            return;
-        }
-        const QRectF before = geometry_.selection();
-        const bool wasConfirmed = geometry_.isSelectionSet();
-        const auto outcome = geometry_.press(event->position(), state_.isDrawingEnabled());
-        if (outcome == AreaSelectionGeometry::Press::newSelection && wasConfirmed) {
-            callbacks_.newSelectionStarted();
-        }
-        redrawAroundAndDescribe(before);
-    }
-
-    void mouseMoveEvent(QMouseEvent* event) override {
-        if (event->buttons() & Qt::LeftButton) {
-            const QRectF before = geometry_.selection();
-            geometry_.drag(event->position());
-            redrawAroundAndDescribe(before);
-        }
-        setCursor(geometry_.cursorAt(event->position(), state_.isDrawingEnabled()));
-    }
-
-    void mouseReleaseEvent(QMouseEvent* event) override {
-        if (event->button() != Qt::LeftButton) {
-            return;
-        }
-        if (geometry_.release()) {
-            callbacks_.selectionConfirmed(geometry_.selection());
-        }
-        update();
-        setCursor(geometry_.cursorAt(event->position(), state_.isDrawingEnabled()));
-    }
-
-    void keyPressEvent(QKeyEvent* event) override {
-        if (!callbacks_.key(*event)) {
-            QWidget::keyPressEvent(event);
-        }
-    }
-
-    void closeEvent(QCloseEvent* event) override {
-        event->accept();
-        callbacks_.cancel();
-    }
-
-    bool event(QEvent* event) override {
-        if (event->type() == QEvent::WindowDeactivate) {
-            callbacks_.lostKeyboard();
-        }
-        return QWidget::event(event);
-    }
-
-private:
-    void paintDimming(QPainter& painter) const {
-        const QRectF s = geometry_.selection();
-        const QRectF all = rect();
-        if (s.width() <= 0) {
-            painter.fillRect(all, kSurroundDimming);
-            return;
-        }
-        painter.fillRect(QRectF(0, 0, all.width(), s.top()), kSurroundDimming);
-        painter.fillRect(QRectF(0, s.bottom(), all.width(), all.height() - s.bottom()),
-                         kSurroundDimming);
-        painter.fillRect(QRectF(0, s.top(), s.left(), s.height()), kSurroundDimming);
-        painter.fillRect(QRectF(s.right(), s.top(), all.width() - s.right(), s.height()),
-                         kSurroundDimming);
-    }
-
-    void paintOutline(QPainter& painter) const {
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(kSelectionOutline, kSelectionOutlineWidth));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRect(geometry_.selection());
-    }
-
-    void paintHandles(QPainter& painter) const {
-        const qreal r = AreaSelectionGeometry::kHandleRadius;
-        painter.setPen(Qt::NoPen);
-        for (const QPointF& centre :
-             AreaSelectionGeometry::handlePositions(geometry_.selection())) {
-            // A soft shadow one point below each grip.
-            painter.setBrush(kHandleShadow);
-            painter.drawEllipse(centre + QPointF(0, 1), r + 1, r + 1);
-            painter.setBrush(Qt::white);
-            painter.drawEllipse(centre, r, r);
-        }
-    }
-
-    void paintSizeLabel(QPainter& painter) const {
-        const QString text = sizeText();
-        const QFontMetricsF metrics(labelFont_);
-        const QSizeF textSize(metrics.horizontalAdvance(text), metrics.height());
-        const QRectF box = AreaSelectionGeometry::sizeLabelBox(geometry_.selection(), textSize);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(kLabelFill);
-        painter.drawRoundedRect(box, kLabelCornerRadius, kLabelCornerRadius);
-        painter.setFont(labelFont_);
-        painter.setPen(Qt::white);
-        painter.drawText(
-            QPointF(box.left() + AreaSelectionGeometry::kLabelPaddingWidth / 2,
-                    box.top() + AreaSelectionGeometry::kLabelPaddingHeight / 2 + metrics.ascent()),
-            text);
-    }
-
-    // The size label's text, also for assistive technologies.
-    QString sizeText() const {
-        const qreal ratio =
-            windowHandle() ? windowHandle()->devicePixelRatio() : devicePixelRatioF();
-        return AreaSelectionGeometry::sizeLabelText(geometry_.selection().size(), ratio);
-    }
-
-    void describeSize() {
-        const bool shown = !geometry_.selection().isEmpty();
-        setAccessibleDescription(shown ? sizeText() : QString());
-    }
-
-    // Repaints only what a selection change touches: the old and the new
-    // selection with their grips and labels.
-    void redrawAround(const QRectF& before) {
-        const QRectF after = geometry_.selection();
-        if (before.isEmpty() || after.isEmpty()) {
-            update();
-            return;
-        }
-        const QRectF touched = before.united(after).adjusted(
-            -kRedrawMargin, -kLabelRedrawHeight, kRedrawMargin + 200, kLabelRedrawHeight);
-        update(touched.toAlignedRect());
-    }
-
-    void redrawAroundAndDescribe(const QRectF& before) {
-        redrawAround(before);
-        describeSize();
-    }
-
-    void noteFirstFrame() {
-        if (firstFrameNoted_ || !windowHandle() || !windowHandle()->isExposed()) {
-            return;
-        }
-        firstFrameNoted_ = true;
-        // Queued, so it is reported after the frame has been flushed.
-        QTimer::singleShot(0, this, [this] { callbacks_.firstFramePainted(); });
-    }
-
-    QPixmap desktopImage_;
-    AnnotationState& state_;
-    AreaSelectionGeometry geometry_;
-    Callbacks callbacks_;
-    QFont labelFont_;
-    bool firstFrameNoted_ = false;
-};
 
 void AnnotationOverlayController::start(const OpenedCallback& onOpened) {
     ++editorsStarting;
