@@ -28,6 +28,8 @@
 #include "library/capture_file_writer.h"
 #include "library/capture_service.h"
 #include "library/captures_in_flight.h"
+#include "platform/platform_services.h"
+#include "platform/screen_grabber.h"
 #include "widgets/window_corners.h"
 
 namespace {
@@ -83,7 +85,7 @@ void AnnotationOverlayController::start(const OpenedCallback& onOpened) {
             return;
         }
         // The freeze comes first: nothing of ours is on the screen yet.
-        const QPixmap frozen = screen->grabWindow(0);
+        const QPixmap frozen = PlatformServices::instance().screenGrabber().grab(*screen);
         auto* controller = new AnnotationOverlayController(screen, false, frozen);
         if (onOpened) {
             onOpened(*controller);
@@ -97,10 +99,8 @@ bool AnnotationOverlayController::isEditorOpen() {
 }
 
 void AnnotationOverlayController::warmUp() {
-    // A whole-screen grab, so that the shared memory of full-size grabs is
-    // set up too.
     if (QScreen* screen = QGuiApplication::primaryScreen()) {
-        screen->grabWindow(0);
+        PlatformServices::instance().screenGrabber().warmUp(*screen);
     }
 }
 

@@ -11,6 +11,7 @@
 #include "platform/x11/x11_click_monitor.h"
 #include "platform/x11/x11_compositor.h"
 #include "platform/x11/x11_hotkey_backend.h"
+#include "platform/x11/x11_screen_grabber.h"
 #include "platform/x11/x11_window_unmap_watcher.h"
 #include "platform/x11/xkb_keyboard_layout.h"
 
@@ -42,6 +43,7 @@ PlatformServices& PlatformServices::instance() {
 PlatformServices::PlatformServices()
     : notifier_(std::make_unique<FreedesktopNotifier>()),
       soundPlayer_(std::make_unique<CanberraSoundPlayer>()),
+      screenGrabber_(std::make_unique<X11ScreenGrabber>()),
       videoFrameReader_(std::make_shared<FfmpegVideoFrameReader>()) {
     xcb_connection_t* connection = x11Connection();
     keyboardLayout_ = makeKeyboardLayout(connection);

@@ -7,6 +7,7 @@
 class ClickMonitor;
 class HotkeyBackend;
 class Notifier;
+class ScreenGrabber;
 class SoundPlayer;
 class VideoFrameReader;
 class WindowUnmapWatcher;
@@ -24,6 +25,7 @@ public:
     KeyboardLayout& keyboardLayout() { return *keyboardLayout_; }
     Notifier& notifier() { return *notifier_; }
     SoundPlayer& soundPlayer() { return *soundPlayer_; }
+    ScreenGrabber& screenGrabber() { return *screenGrabber_; }
     std::shared_ptr<const VideoFrameReader> videoFrameReader() const { return videoFrameReader_; }
     // Nothing where the display offers no global hotkeys or click monitoring.
     HotkeyBackend* hotkeyBackend() { return hotkeyBackend_.get(); }
@@ -39,6 +41,7 @@ private:
     std::unique_ptr<KeyboardLayout> keyboardLayout_;
     std::unique_ptr<Notifier> notifier_;
     std::unique_ptr<SoundPlayer> soundPlayer_;
+    std::unique_ptr<ScreenGrabber> screenGrabber_;
     std::shared_ptr<const VideoFrameReader> videoFrameReader_;
     std::unique_ptr<HotkeyBackend> hotkeyBackend_;
     std::unique_ptr<ClickMonitor> clickMonitor_;
