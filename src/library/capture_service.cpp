@@ -2,10 +2,8 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QImageReader>
 #include <QLoggingCategory>
 #include <QPointer>
 #include <QProcess>
@@ -13,7 +11,9 @@
 #include <QTemporaryDir>
 #include <QtConcurrent>
 #include <algorithm>
+#include <utility>
 
+#include "library/capture_image_loader.h"
 #include "library/capture_registry.h"
 #include "library/captures_in_flight.h"
 #include "library/image_clipboard.h"
@@ -41,15 +41,13 @@ struct SavedWindowCapture {
 SavedWindowCapture saveToolOutput(const QString& toolOutput,
                                   const CaptureDestination& destination) {
     SavedWindowCapture capture;
-    QFile file(toolOutput);
-    if (!file.open(QIODevice::ReadOnly)) {
+    LoadedCaptureImage loaded = loadCaptureImage(toolOutput, PngBytes::wanted);
+    if (!loaded.loaded() || loaded.pngData.isEmpty()) {
         return capture;
     }
-    capture.pngData = file.readAll();
-    capture.image = QImage::fromData(capture.pngData, "PNG");
-    if (!capture.image.isNull()) {
-        capture.file = writeNewCaptureFile(capture.pngData, destination);
-    }
+    capture.image = std::move(loaded.image);
+    capture.pngData = std::move(loaded.pngData);
+    capture.file = writeNewCaptureFile(capture.pngData, destination);
     return capture;
 }
 
