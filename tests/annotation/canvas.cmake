@@ -1,5 +1,6 @@
 # The annotation document, the flattening renderer and the drawing canvas.
 quillix_add_gtest(annotation_state_tests ${CMAKE_CURRENT_LIST_DIR}/annotation_state_test.cpp)
+quillix_add_gtest(annotation_tool_tests ${CMAKE_CURRENT_LIST_DIR}/annotation_tool_test.cpp)
 
 # The renderer draws text, so it needs a QGuiApplication of its own.
 add_executable(annotated_image_renderer_tests
