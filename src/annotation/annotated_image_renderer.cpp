@@ -80,7 +80,6 @@ QImage renderAnnotatedImage(const QImage& image, const QVector<Annotation>& anno
     painter.setClipRect(area);
     AnnotationPaintStyle style;
     style.arrowHeadLength = kRenderedArrowHeadLength;
-    style.textBaselineAtOrigin = true;
     const QSizeF pictureSize = image.deviceIndependentSize();
     style.filteredRegion = [&image, pictureSize](RegionEffect effect, const QRectF& rect) {
         return filterRegion(image, pictureSize, effect, rect);

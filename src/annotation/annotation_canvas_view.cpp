@@ -6,43 +6,25 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPalette>
+#include <QStyle>
+#include <QStyleOptionFrame>
 #include <algorithm>
-#include <cmath>
-#include <numbers>
+#include <type_traits>
+#include <variant>
 
 #include "annotation/annotation_state.h"
 
 namespace {
 
-constexpr qreal kPencilWidth = 2.0;
-constexpr qreal kHighlighterWidth = 12.0;
-constexpr qreal kHighlighterOpacity = 0.4;
-constexpr qreal kMinimumRectangleSide = 2.0;
-constexpr qreal kMinimumRegionSide = 4.0;
 constexpr int kTextFieldWidth = 200;
-constexpr int kTextFieldHeight = 28;
 constexpr int kTextFontPixelSize = 16;
-
-QRectF spannedRect(const QPointF& a, const QPointF& b) {
-    return QRectF(QPointF(std::min(a.x(), b.x()), std::min(a.y(), b.y())),
-                  QPointF(std::max(a.x(), b.x()), std::max(a.y(), b.y())));
-}
-
-// The end moved onto the nearest multiple of 45° around the start, keeping
-// the arrow's length (halfway angles round away from zero).
-QPointF snappedArrowEnd(const QPointF& start, const QPointF& end) {
-    constexpr qreal step = std::numbers::pi / 4.0;
-    const QPointF delta = end - start;
-    const qreal angle = std::atan2(delta.y(), delta.x());
-    const qreal snapped = std::round(angle / step) * step;
-    const qreal length = std::hypot(delta.x(), delta.y());
-    return start + length * QPointF(std::cos(snapped), std::sin(snapped));
-}
-
-QRectF squaredRect(const QRectF& rect) {
-    const qreal side = std::min(rect.width(), rect.height());
-    return QRectF(rect.topLeft(), QSizeF(side, side));
-}
+// Room kept after the text for the cursor, so the field never scrolls its
+// text sideways (the committed text could not follow).
+constexpr int kTextFieldTrailingRoom = 8;
+// QLineEdit's fixed padding between its contents rectangle and the text's
+// line box (not exposed by its API).
+constexpr int kLineEditHorizontalPadding = 2;
+constexpr int kLineEditVerticalPadding = 1;
 
 bool isUndoKey(const QKeyEvent* event) {
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
@@ -56,6 +38,35 @@ QFont textToolFont() {
     font.setWeight(QFont::Medium);
     return font;
 }
+
+// The text tool's field. Its text is top-aligned, so where the text's line
+// box starts inside it is known, and the committed text can be put on
+// exactly the same pixels.
+class TextToolField : public QLineEdit {
+public:
+    explicit TextToolField(QWidget* parent) : QLineEdit(parent) {
+        setFrame(false);
+        setTextMargins(0, 0, 0, 0);
+        setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    }
+
+    // The top-left of the text's line box, in the field's coordinates.
+    QPoint textOffset() const {
+        QStyleOptionFrame option;
+        initStyleOption(&option);
+        const QRect contents = style()
+                                   ->subElementRect(QStyle::SE_LineEditContents, &option, this)
+                                   .marginsRemoved(textMargins());
+        return contents.topLeft() + QPoint(kLineEditHorizontalPadding, kLineEditVerticalPadding);
+    }
+
+    // Wide enough for the whole text, so it never scrolls inside the field.
+    void fitWidthToText() {
+        const int textWidth = fontMetrics().horizontalAdvance(text());
+        const int needed = textWidth + 2 * textOffset().x() + kTextFieldTrailingRoom;
+        resize(std::max(kTextFieldWidth, needed), height());
+    }
+};
 
 }  // namespace
 
@@ -74,6 +85,12 @@ AnnotationCanvasView::AnnotationCanvasView(AnnotationState& state, const QImage&
     connect(&state_, &AnnotationState::changed, this, qOverload<>(&QWidget::update));
     connect(&state_, &AnnotationState::drawingEnabledChanged, this,
             &AnnotationCanvasView::followDrawingEnabled);
+    // Picking another tool ends the text being typed, as a press aside would.
+    connect(&state_, &AnnotationState::activeToolChanged, this, [this](AnnotationTool tool) {
+        if (tool != AnnotationTool::text) {
+            commitOpenText();
+        }
+    });
     state_.setCanvasSize(size());
 }
 
@@ -102,6 +119,8 @@ void AnnotationCanvasView::followDrawingEnabled(bool enabled) {
     // field before the press decides whether that field is committed.
     setFocusPolicy(enabled ? Qt::TabFocus : Qt::NoFocus);
     if (!enabled) {
+        // Drawing goes off when the document is emptied: typed text goes too.
+        discardTextField();
         clearGesture();
         if (hasFocus()) {
             clearFocus();
@@ -113,23 +132,28 @@ void AnnotationCanvasView::beginGesture(const QPointF& position) {
     if (!acceptsInput()) {
         return;
     }
-    gestureActive_ = true;
+    // A press away from an open field ends it. With the text tool that is
+    // all the press does, so clicking aside finishes the text rather than
+    // opening another field.
+    const bool endedText = textField_ != nullptr;
+    commitOpenText();
     if (state_.activeTool() == AnnotationTool::text) {
-        inProgressPoints_.clear();
-        inProgressStart_.reset();
-        openTextField(position);
+        clearGesture();
+        if (!endedText) {
+            openTextField(position);
+        }
         return;
     }
     setFocus(Qt::MouseFocusReason);
-    inProgressStart_ = position;
-    inProgressPoints_ = {position};
+    gestureActive_ = true;
+    gesturePoints_ = {position};
 }
 
 void AnnotationCanvasView::continueGesture(const QPointF& position) {
     if (!acceptsInput() || !gestureActive_) {
         return;
     }
-    inProgressPoints_.append(position);
+    gesturePoints_.append(position);
     update();
 }
 
@@ -137,76 +161,32 @@ void AnnotationCanvasView::endGesture(const QPointF& position, Qt::KeyboardModif
     if (!acceptsInput() || !gestureActive_) {
         return;
     }
-    inProgressPoints_.append(position);
-    commitGesture(modifiers);
+    gesturePoints_.append(position);
+    if (const std::optional<Annotation> shape = gestureShape(modifiers)) {
+        state_.add(*shape);
+    }
     clearGesture();
 }
 
 void AnnotationCanvasView::clearGesture() {
     gestureActive_ = false;
-    inProgressPoints_.clear();
-    inProgressStart_.reset();
+    gesturePoints_.clear();
     update();
 }
 
-void AnnotationCanvasView::commitGesture(Qt::KeyboardModifiers modifiers) {
-    const AnnotationTool tool = state_.activeTool();
-    const QColor color = state_.currentColor();
-    const bool shift = modifiers.testFlag(Qt::ShiftModifier);
-    if (tool == AnnotationTool::pencil || tool == AnnotationTool::highlighter) {
-        if (inProgressPoints_.size() < 2) {
-            return;
-        }
-        const bool pencil = tool == AnnotationTool::pencil;
-        state_.add({Annotation::Stroke{inProgressPoints_, pencil ? kPencilWidth : kHighlighterWidth,
-                                       color, pencil ? 1.0 : kHighlighterOpacity}});
-        return;
+std::optional<Annotation> AnnotationCanvasView::gestureShape(
+    Qt::KeyboardModifiers modifiers) const {
+    if (!gestureActive_) {
+        return std::nullopt;
     }
-    if (!inProgressStart_ || inProgressPoints_.isEmpty()) {
-        return;
-    }
-    const QPointF start = *inProgressStart_;
-    const QPointF end = inProgressPoints_.last();
-    const QRectF spanned = spannedRect(start, end);
-    switch (tool) {
-        case AnnotationTool::arrow:
-            if (end != start) {
-                state_.add(
-                    {Annotation::Arrow{start, shift ? snappedArrowEnd(start, end) : end, color}});
-            }
-            break;
-        case AnnotationTool::rectangle: {
-            const QRectF rect = shift ? squaredRect(spanned) : spanned;
-            if (rect.width() > kMinimumRectangleSide && rect.height() > kMinimumRectangleSide) {
-                state_.add({Annotation::Rectangle{rect, color}});
-            }
-            break;
-        }
-        case AnnotationTool::blur:
-        case AnnotationTool::pixelate:
-        case AnnotationTool::crop:
-            if (spanned.width() <= kMinimumRegionSide || spanned.height() <= kMinimumRegionSide) {
-                break;
-            }
-            if (tool == AnnotationTool::blur) {
-                state_.add({Annotation::Blur{spanned}});
-            } else if (tool == AnnotationTool::pixelate) {
-                state_.add({Annotation::Pixelate{spanned}});
-            } else {
-                state_.add({Annotation::Crop{spanned}});
-            }
-            break;
-        default:
-            break;
-    }
+    return annotationForGesture(
+        {state_.activeTool(), gesturePoints_, modifiers, state_.currentColor()});
 }
 
 void AnnotationCanvasView::openTextField(const QPointF& position) {
     discardTextField();
-    auto* field = new QLineEdit(this);
+    auto* field = new TextToolField(this);
     field->setAccessibleName(QStringLiteral("Annotation text"));
-    field->setGeometry(QRect(position.toPoint(), QSize(kTextFieldWidth, kTextFieldHeight)));
-    field->setFrame(false);
     field->setFont(textToolFont());
     field->setPlaceholderText(QStringLiteral("Type here…"));
     field->setAttribute(Qt::WA_TranslucentBackground);
@@ -215,24 +195,35 @@ void AnnotationCanvasView::openTextField(const QPointF& position) {
     palette.setColor(QPalette::Text, state_.currentColor());
     field->setPalette(palette);
     field->setAutoFillBackground(false);
+    // The text itself starts at the pressed point, where it will be committed.
+    field->setGeometry(QRect(position.toPoint() - field->textOffset(),
+                             QSize(kTextFieldWidth, field->sizeHint().height())));
     field->installEventFilter(this);
-    connect(field, &QLineEdit::editingFinished, this, &AnnotationCanvasView::commitTextField);
+    connect(field, &QLineEdit::editingFinished, this, &AnnotationCanvasView::commitOpenText);
+    connect(field, &QLineEdit::textChanged, field, [field] { field->fitWidthToText(); });
     textField_ = field;
     field->show();
     field->setFocus(Qt::MouseFocusReason);
 }
 
-void AnnotationCanvasView::commitTextField() {
-    if (!textField_) {
-        return;
+bool AnnotationCanvasView::commitOpenText() {
+    auto* field = static_cast<TextToolField*>(textField_.data());
+    if (!field) {
+        return false;
     }
-    const QString text = textField_->text().trimmed();
-    const QPointF origin = textField_->geometry().topLeft();
-    const QFont font = textField_->font();
+    const QString text = field->text().trimmed();
+    const QPointF origin = field->geometry().topLeft() + field->textOffset();
+    const QFont font = field->font();
+    const bool hadFocus = field->hasFocus();
     discardTextField();
-    if (!text.isEmpty()) {
-        state_.add({Annotation::Text{text, origin, font, state_.currentColor()}});
+    if (hadFocus && acceptsInput()) {
+        setFocus(Qt::OtherFocusReason);  // so the undo key reaches the canvas again
     }
+    if (text.isEmpty()) {
+        return false;
+    }
+    state_.add({Annotation::Text{text, origin, font, state_.currentColor()}});
+    return true;
 }
 
 void AnnotationCanvasView::discardTextField() {
@@ -242,7 +233,7 @@ void AnnotationCanvasView::discardTextField() {
     QLineEdit* field = textField_.data();
     textField_.clear();
     // Disconnect first: hiding the field moves focus, which would otherwise
-    // report the end of editing once more.
+    // end the editing once more.
     field->disconnect(this);
     field->removeEventFilter(this);
     field->hide();
@@ -251,38 +242,82 @@ void AnnotationCanvasView::discardTextField() {
 }
 
 bool AnnotationCanvasView::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == textField_.data() && event->type() == QEvent::KeyPress &&
+    if (watched != textField_.data()) {
+        return QWidget::eventFilter(watched, event);
+    }
+    if (event->type() == QEvent::KeyPress &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         discardTextField();
         return true;
+    }
+    if (event->type() == QEvent::FocusOut) {
+        // Focus leaving for good ends the text (Qt reports no end of editing
+        // for a field left empty). A popup, such as the field's own context
+        // menu, or another window taking the keyboard, leaves it open.
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason) {
+            commitOpenText();
+        }
     }
     return QWidget::eventFilter(watched, event);
 }
 
 void AnnotationCanvasView::mousePressEvent(QMouseEvent* event) {
+    // Ignored presses travel on to the parent widget.
+    if (!acceptsInput()) {
+        event->ignore();
+        return;
+    }
     if (hitTestPassthrough_ && hitTestPassthrough_(event->position())) {
+        commitOpenText();
         event->ignore();
         return;
     }
     event->accept();
+    heldModifiers_ = event->modifiers();
     if (event->button() == Qt::LeftButton) {
         beginGesture(event->position());
     }
 }
 
 void AnnotationCanvasView::mouseMoveEvent(QMouseEvent* event) {
+    if (!acceptsInput()) {
+        event->ignore();
+        return;
+    }
     event->accept();
+    heldModifiers_ = event->modifiers();
     continueGesture(event->position());
 }
 
 void AnnotationCanvasView::mouseReleaseEvent(QMouseEvent* event) {
+    if (!acceptsInput()) {
+        event->ignore();
+        return;
+    }
     event->accept();
+    heldModifiers_ = event->modifiers();
     if (event->button() == Qt::LeftButton) {
         endGesture(event->position(), event->modifiers());
     }
 }
 
+void AnnotationCanvasView::followModifiers(const QKeyEvent* event) {
+    Qt::KeyboardModifiers held = event->modifiers();
+    // The event of a modifier key itself may report the state from before it.
+    if (event->key() == Qt::Key_Shift) {
+        held.setFlag(Qt::ShiftModifier, event->type() == QEvent::KeyPress);
+    }
+    if (held != heldModifiers_) {
+        heldModifiers_ = held;
+        if (gestureActive_) {
+            update();
+        }
+    }
+}
+
 void AnnotationCanvasView::keyPressEvent(QKeyEvent* event) {
+    followModifiers(event);
     if (acceptsInput() && isUndoKey(event)) {
         state_.undo();
         update();
@@ -290,6 +325,11 @@ void AnnotationCanvasView::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QWidget::keyPressEvent(event);
+}
+
+void AnnotationCanvasView::keyReleaseEvent(QKeyEvent* event) {
+    followModifiers(event);
+    QWidget::keyReleaseEvent(event);
 }
 
 void AnnotationCanvasView::resizeEvent(QResizeEvent* event) {
@@ -336,39 +376,24 @@ void AnnotationCanvasView::paintEvent(QPaintEvent*) {
 }
 
 void AnnotationCanvasView::paintGesturePreview(QPainter& painter) const {
-    const AnnotationTool tool = state_.activeTool();
-    const QColor color = state_.currentColor();
-    if (tool == AnnotationTool::pencil) {
-        paintPolyline(painter, inProgressPoints_, kPencilWidth, color);
+    const std::optional<Annotation> shape = gestureShape(heldModifiers_);
+    if (!shape) {
         return;
     }
-    if (tool == AnnotationTool::highlighter) {
-        QColor translucent = color;
-        translucent.setAlphaF(static_cast<float>(kHighlighterOpacity));
-        paintPolyline(painter, inProgressPoints_, kHighlighterWidth, translucent);
-        return;
-    }
-    if (!inProgressStart_ || inProgressPoints_.isEmpty()) {
-        return;
-    }
-    const QPointF start = *inProgressStart_;
-    const QPointF end = inProgressPoints_.last();
-    const QRectF spanned = spannedRect(start, end);
-    switch (tool) {
-        case AnnotationTool::arrow:
-            paintArrow(painter, start, end, color, kCanvasArrowHeadLength);
-            break;
-        case AnnotationTool::rectangle:
-            paintRectangleOutline(painter, spanned, color);
-            break;
-        case AnnotationTool::blur:
-        case AnnotationTool::pixelate:
-            paintRegionPreview(painter, spanned);
-            break;
-        case AnnotationTool::crop:
-            paintCropSurround(painter, rect(), spanned);
-            break;
-        default:
-            break;
-    }
+    std::visit(
+        [&](const auto& kind) {
+            using Kind = std::decay_t<decltype(kind)>;
+            if constexpr (std::is_same_v<Kind, Annotation::Blur> ||
+                          std::is_same_v<Kind, Annotation::Pixelate>) {
+                // Filtering on every move would lag; the pixels come at release.
+                paintRegionPreview(painter, kind.rect);
+            } else if constexpr (std::is_same_v<Kind, Annotation::Crop>) {
+                paintCropSurround(painter, rect(), kind.rect);
+            } else {
+                AnnotationPaintStyle style;
+                style.arrowHeadLength = kCanvasArrowHeadLength;
+                paintAnnotation(painter, *shape, style);
+            }
+        },
+        shape->kind);
 }

@@ -17,10 +17,12 @@ class QLineEdit;
 
 // The transparent drawing surface laid over a picture. Turns mouse gestures
 // into annotations for the active tool of its document, shows the shape being
-// drawn, hosts the text tool's one-line field, draws every committed shape
-// and dims everything outside the crop. Blur and pixelate regions show the
-// filtered pixels of the source image, which is taken to cover the whole
-// canvas. While drawing is off every mouse event is swallowed.
+// drawn (exactly as it will be committed, Shift constraints included), hosts
+// the text tool's one-line field, draws every committed shape and dims
+// everything outside the crop. Blur and pixelate regions show the filtered
+// pixels of the source image, which is taken to cover the whole canvas.
+// While drawing is off the canvas only shows: mouse events are ignored, so
+// they reach the parent widget (a host's own selection handling, say).
 class AnnotationCanvasView : public QWidget {
     Q_OBJECT
 
@@ -55,6 +57,11 @@ public:
 
     // The open text field of the text tool, if any.
     QLineEdit* textField() const;
+    // Ends the open text field now, as pressing Return in it would: its
+    // trimmed text, when not empty, becomes a text annotation where it was
+    // shown, and the field closes either way. Answers whether an annotation
+    // was added. Hosts call it before saving, so typed text is not lost.
+    bool commitOpenText();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -63,6 +70,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -75,10 +83,10 @@ private:
 
     bool acceptsInput() const;
     void followDrawingEnabled(bool enabled);
-    void commitGesture(Qt::KeyboardModifiers modifiers);
+    void followModifiers(const QKeyEvent* event);
+    std::optional<Annotation> gestureShape(Qt::KeyboardModifiers modifiers) const;
     void clearGesture();
     void openTextField(const QPointF& position);
-    void commitTextField();
     void discardTextField();
     void paintGesturePreview(QPainter& painter) const;
     FilteredPixels cachedRegion(RegionEffect effect, const QRectF& rect);
@@ -87,8 +95,10 @@ private:
     QImage sourceImage_;
     QRectF imageRect_;
     PassthroughPredicate hitTestPassthrough_;
-    QVector<QPointF> inProgressPoints_;
-    std::optional<QPointF> inProgressStart_;
+    // The drag under way: the press first, then every position since.
+    QVector<QPointF> gesturePoints_;
+    // The keys held now, so the preview follows Shift during the drag.
+    Qt::KeyboardModifiers heldModifiers_;
     bool gestureActive_ = false;
     QPointer<QLineEdit> textField_;
     // Filtered pixels of the regions drawn by the last paint; rebuilt from

@@ -23,13 +23,11 @@ QColor withAlpha(QColor color, qreal alpha) {
     return color;
 }
 
-void paintText(QPainter& painter, const Annotation::Text& text, const AnnotationPaintStyle& style) {
+void paintText(QPainter& painter, const Annotation::Text& text) {
     painter.save();
     painter.setFont(text.font);
     painter.setPen(text.color);
-    const qreal ascent =
-        style.textBaselineAtOrigin ? 0.0 : QFontMetricsF(text.font, painter.device()).ascent();
-    painter.drawText(text.origin + QPointF(0.0, ascent), text.text);
+    painter.drawText(textBaselineStart(text, painter.device()), text.text);
     painter.restore();
 }
 
@@ -66,7 +64,7 @@ void paintAnnotation(QPainter& painter, const Annotation& annotation,
             } else if constexpr (std::is_same_v<Kind, Annotation::Rectangle>) {
                 paintRectangleOutline(painter, kind.rect, kind.color);
             } else if constexpr (std::is_same_v<Kind, Annotation::Text>) {
-                paintText(painter, kind, style);
+                paintText(painter, kind);
             } else if constexpr (std::is_same_v<Kind, Annotation::Blur>) {
                 paintRegion(painter, RegionEffect::blur, kind.rect, style);
             } else if constexpr (std::is_same_v<Kind, Annotation::Pixelate>) {
@@ -75,6 +73,10 @@ void paintAnnotation(QPainter& painter, const Annotation& annotation,
             // A crop is never drawn as a shape.
         },
         annotation.kind);
+}
+
+QPointF textBaselineStart(const Annotation::Text& text, const QPaintDevice* device) {
+    return text.origin + QPointF(0.0, QFontMetricsF(text.font, device).ascent());
 }
 
 void paintPolyline(QPainter& painter, const QVector<QPointF>& points, qreal width,

@@ -12,6 +12,7 @@
 #include "annotation/annotation.h"
 
 class QPainter;
+class QPaintDevice;
 
 // Drawing of annotations with a QPainter, shared by the canvas (on screen)
 // and the flattening renderer (into a bitmap) so both draw the same shapes.
@@ -33,9 +34,6 @@ struct FilteredPixels {
 
 struct AnnotationPaintStyle {
     qreal arrowHeadLength = kCanvasArrowHeadLength;
-    // The canvas puts the top of the text box on the origin; flattened
-    // images put the baseline there.
-    bool textBaselineAtOrigin = false;
     // Filtered pixels for a blur or pixelate region (given in painter
     // coordinates); null pixels draw nothing. When unset, regions get a
     // translucent black placeholder instead.
@@ -44,6 +42,12 @@ struct AnnotationPaintStyle {
 
 void paintAnnotation(QPainter& painter, const Annotation& annotation,
                      const AnnotationPaintStyle& style);
+
+// Where a text annotation's first line starts: the top of its line box lies
+// on the origin, so the baseline is one ascent (of the font on `device`)
+// below it. The canvas and flattened images both lay text out this way, so
+// saved text sits exactly where it was shown.
+QPointF textBaselineStart(const Annotation::Text& text, const QPaintDevice* device);
 
 // A polyline with round caps and joins; nothing for fewer than 2 points.
 void paintPolyline(QPainter& painter, const QVector<QPointF>& points, qreal width,

@@ -4,25 +4,32 @@ AnnotationState::AnnotationState(QObject* parent) : QObject(parent) {}
 
 void AnnotationState::add(const Annotation& annotation) {
     if (const auto* crop = std::get_if<Annotation::Crop>(&annotation.kind)) {
+        history_.append(ChangedCrop{cropRect_});
         setCropRect(crop->rect.normalized());
         return;
     }
+    history_.append(AddedShape{});
     QVector<Annotation> grown = annotations_;
     grown.append(annotation);
     setAnnotations(std::move(grown));
 }
 
 void AnnotationState::undo() {
-    if (!annotations_.isEmpty()) {
-        QVector<Annotation> shrunk = annotations_;
-        shrunk.removeLast();
-        setAnnotations(std::move(shrunk));
-    } else if (cropRect_) {
-        setCropRect(std::nullopt);
+    if (history_.isEmpty()) {
+        return;
     }
+    const Step newest = history_.takeLast();
+    if (const auto* crop = std::get_if<ChangedCrop>(&newest)) {
+        setCropRect(crop->replaced);
+        return;
+    }
+    QVector<Annotation> shrunk = annotations_;
+    shrunk.removeLast();
+    setAnnotations(std::move(shrunk));
 }
 
 void AnnotationState::reset() {
+    history_.clear();
     setAnnotations({});
     setCropRect(std::nullopt);
     setActiveTool(AnnotationTool::pencil);

@@ -6,12 +6,15 @@
 #include <QSizeF>
 #include <QVector>
 #include <optional>
+#include <variant>
 
 #include "annotation/annotation.h"
 #include "annotation/annotation_tool.h"
 
 // The document an annotation editor edits: the active tool, the colour, the
-// committed shapes (oldest first), an optional crop, and whether drawing is on.
+// committed shapes (oldest first), an optional crop, whether drawing is on,
+// and the history of what was added, crops included, so undo goes back in
+// the order the user worked.
 // One per opened editor, GUI thread only. Every change is announced through
 // changed() (and the more specific signals), so palettes and canvas follow.
 class AnnotationState : public QObject {
@@ -32,11 +35,14 @@ public:
     QSizeF canvasSize() const { return canvasSize_; }
     void setCanvasSize(const QSizeF& size) { canvasSize_ = size; }
 
-    // A crop replaces cropRect; every other kind is appended.
+    // A crop replaces cropRect; every other kind is appended. Either way it
+    // becomes the newest step of the history.
     void add(const Annotation& annotation);
-    // Drops the newest shape, or the crop once no shape is left.
+    // Takes back the newest step: drops the newest shape, or puts back the
+    // crop (or no crop) that the newest crop replaced. Nothing left: no-op.
     void undo();
-    // Empties the document, back to the pencil with drawing off.
+    // Empties the document and its history, back to the pencil with drawing
+    // off.
     void reset();
     // Picks the tool and switches drawing on (the only way to switch it on).
     void selectTool(AnnotationTool tool);
@@ -53,6 +59,12 @@ Q_SIGNALS:
     void changed();
 
 private:
+    struct AddedShape {};
+    struct ChangedCrop {
+        std::optional<QRectF> replaced;
+    };
+    using Step = std::variant<AddedShape, ChangedCrop>;
+
     void setAnnotations(QVector<Annotation> annotations);
     void setCropRect(const std::optional<QRectF>& crop);
     void setActiveTool(AnnotationTool tool);
@@ -62,6 +74,7 @@ private:
     QColor currentColor_ = kInitialColor;
     QVector<Annotation> annotations_;
     std::optional<QRectF> cropRect_;
+    QVector<Step> history_;  // oldest first
     bool drawingEnabled_ = false;
     QSizeF canvasSize_;
 };

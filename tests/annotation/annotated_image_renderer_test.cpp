@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QFont>
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QImage>
 #include <QRandomGenerator>
@@ -71,6 +72,19 @@ QColor blended(const QColor& color, qreal alpha, const QColor& under) {
            << expected.name().toStdString();
 }
 
+// The smallest rectangle holding every dark pixel; empty when there is none.
+QRect darkInk(const QImage& image) {
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (qGray(image.pixel(x, y)) < 128) {
+                ink |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return ink;
+}
+
 Annotation stroke(QVector<QPointF> points, qreal width, const QColor& color, qreal opacity) {
     return {Annotation::Stroke{std::move(points), width, color, opacity}};
 }
@@ -122,28 +136,29 @@ TEST(AnnotatedImageRendererTest, RectangleIsAnOutlineOnly) {
     EXPECT_TRUE(pixelNear(out, 90, 35, kGrey));
 }
 
-TEST(AnnotatedImageRendererTest, TextBaselineSitsOnTheOrigin) {
+TEST(AnnotatedImageRendererTest, TextHangsBelowItsOriginAsOnTheCanvas) {
     QFont font;
     font.setPixelSize(40);
+    const QFontMetricsF metrics(font);
     const QImage out =
         renderAnnotatedImage(solidImage(200, 200, Qt::white),
                              {{Annotation::Text{"HH", {50, 100}, font, Qt::black}}}, std::nullopt);
-    int top = 200;
-    int bottom = -1;
-    int left = 200;
-    for (int y = 0; y < 200; ++y) {
-        for (int x = 0; x < 200; ++x) {
-            if (qGray(out.pixel(x, y)) < 128) {
-                top = std::min(top, y);
-                bottom = std::max(bottom, y);
-                left = std::min(left, x);
-            }
-        }
-    }
-    ASSERT_GE(bottom, 0) << "no text drawn";
-    EXPECT_NEAR(bottom, 99, 1);
-    EXPECT_LT(top, 80);  // capitals rise above the baseline
-    EXPECT_NEAR(left, 52, 3);
+    const QRect ink = darkInk(out);
+    ASSERT_FALSE(ink.isEmpty()) << "no text drawn";
+    EXPECT_GE(ink.top(), 100);  // nothing above the top of the text box
+    EXPECT_NEAR(ink.bottom(), 100 + metrics.ascent() - 1, 1.5);  // capitals end on the baseline
+    EXPECT_NEAR(ink.left(), 52, 3);
+}
+
+TEST(AnnotatedImageRendererTest, TextAtTheTopEdgeIsKeptWhole) {
+    QFont font;
+    font.setPixelSize(20);
+    const QImage out =
+        renderAnnotatedImage(solidImage(120, 60, Qt::white),
+                             {{Annotation::Text{"HH", {10, 0}, font, Qt::black}}}, std::nullopt);
+    const QRect ink = darkInk(out);
+    ASSERT_FALSE(ink.isEmpty()) << "the text was cut away";
+    EXPECT_NEAR(ink.height(), QFontMetricsF(font).capHeight(), 1.5);
 }
 
 TEST(AnnotatedImageRendererTest, BlurSmoothsOnlyInsideItsRegion) {

@@ -1,6 +1,7 @@
 // The drawing canvas driven with real mouse and key events on a shown widget:
-// what each gesture commits, what it drops, Shift constraints, the text
-// field, undo keys and what the canvas paints.
+// what each gesture commits, what it drops, Shift constraints in the preview
+// and the commit, the text field and where its text lands, undo keys, presses
+// left to the parent while drawing is off, and what the canvas paints.
 
 #include "annotation/annotation_canvas_view.h"
 
@@ -10,6 +11,7 @@
 #include <QtTest>
 #include <memory>
 
+#include "annotation/annotated_image_renderer.h"
 #include "annotation/annotation_state.h"
 #include "image_statistics.h"
 
@@ -27,6 +29,38 @@ QImage noiseImage(int width, int height) {
     return image;
 }
 
+// The smallest rectangle holding every pixel that is not (nearly) white.
+QRect inkBounds(const QImage& image) {
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor c = image.pixelColor(x, y);
+            if (std::min({c.red(), c.green(), c.blue()}) < 200) {
+                ink |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return ink;
+}
+
+bool sameWithinOnePixel(const QRect& a, const QRect& b) {
+    return !a.isEmpty() && !b.isEmpty() && qAbs(a.left() - b.left()) <= 1 &&
+           qAbs(a.top() - b.top()) <= 1 && qAbs(a.right() - b.right()) <= 1 &&
+           qAbs(a.bottom() - b.bottom()) <= 1;
+}
+
+// Records the presses that reach it.
+class PressRecorder : public QWidget {
+public:
+    int presses = 0;
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override {
+        ++presses;
+        event->accept();
+    }
+};
+
 }  // namespace
 
 class AnnotationCanvasViewTest : public QObject {
@@ -41,6 +75,28 @@ private:
         QTest::mouseMove(canvas.get(), (from + to) / 2);
         QTest::mouseMove(canvas.get(), to);
         QTest::mouseRelease(canvas.get(), Qt::LeftButton, releaseModifiers, to);
+    }
+
+    // The canvas as it shows now, over white.
+    QImage shown() const {
+        QImage image(canvas->size(), QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        canvas->render(&image);
+        return image;
+    }
+
+    // Where the open field's typed text lies, without the blinking cursor.
+    QRect fieldTextInk() const {
+        QLineEdit* field = canvas->textField();
+        field->setReadOnly(true);  // a read-only field draws no cursor
+        const QRect ink = inkBounds(shown());
+        field->setReadOnly(false);
+        return ink;
+    }
+
+    bool activate() const {
+        canvas->activateWindow();
+        return QTest::qWaitForWindowActive(canvas.get());
     }
 
     template <typename Kind>
@@ -77,6 +133,25 @@ private Q_SLOTS:
         state->reset();  // drawing goes off again
         drag({10, 10}, {100, 100});
         QVERIFY(state->annotations().isEmpty());
+    }
+
+    void pressesReachTheParentWhileDrawingIsOff() {
+        PressRecorder host;
+        host.resize(400, 300);
+        AnnotationCanvasView child(*state, noiseImage(400, 300), &host);
+        child.setGeometry(host.rect());
+        host.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&host));
+
+        QTest::mouseClick(&child, Qt::LeftButton, {}, QPoint(40, 40));
+        QCOMPARE(host.presses, 1);
+
+        state->selectTool(AnnotationTool::rectangle);
+        QTest::mousePress(&child, Qt::LeftButton, {}, QPoint(40, 40));
+        QTest::mouseMove(&child, QPoint(90, 90));
+        QTest::mouseRelease(&child, Qt::LeftButton, {}, QPoint(90, 90));
+        QCOMPARE(host.presses, 1);  // the canvas keeps what it draws with
+        QCOMPARE(state->annotations().size(), 1);
     }
 
     void pencilAndHighlighterCommitStrokes() {
@@ -143,6 +218,47 @@ private Q_SLOTS:
         QCOMPARE(square->rect, QRectF(150, 120, 50, 50));
     }
 
+    void shiftPreviewShowsWhatTheReleaseCommits_data() {
+        QTest::addColumn<AnnotationTool>("tool");
+        QTest::addRow("arrow") << AnnotationTool::arrow;
+        QTest::addRow("rectangle") << AnnotationTool::rectangle;
+    }
+
+    void shiftPreviewShowsWhatTheReleaseCommits() {
+        QFETCH(AnnotationTool, tool);
+        state->selectTool(tool);
+        const QPoint from(100, 100);
+        const QPoint to(220, 150);
+        QTest::mousePress(canvas.get(), Qt::LeftButton, {}, from);
+        QTest::mouseMove(canvas.get(), to);
+        const QImage free = shown();
+
+        // Shift pressed during the drag: the preview snaps at once.
+        QTest::keyPress(canvas.get(), Qt::Key_Shift, Qt::ShiftModifier);
+        const QImage snapped = shown();
+        QVERIFY(snapped != free);
+
+        // Released again: back to following the pointer.
+        QTest::keyRelease(canvas.get(), Qt::Key_Shift, {});
+        QCOMPARE(shown(), free);
+
+        QTest::keyPress(canvas.get(), Qt::Key_Shift, Qt::ShiftModifier);
+        QTest::mouseRelease(canvas.get(), Qt::LeftButton, Qt::ShiftModifier, to);
+        QCOMPARE(state->annotations().size(), 1);
+        QCOMPARE(shown(), snapped);  // the committed shape is the one previewed
+    }
+
+    void previewOfATooSmallShapeShowsNothing() {
+        state->selectTool(AnnotationTool::rectangle);
+        const QImage empty = shown();
+        QTest::mousePress(canvas.get(), Qt::LeftButton, {}, QPoint(10, 10));
+        QTest::mouseMove(canvas.get(), QPoint(12, 80));
+        QCOMPARE(shown(), empty);
+        QTest::mouseMove(canvas.get(), QPoint(40, 80));
+        QVERIFY(shown() != empty);
+        QTest::mouseRelease(canvas.get(), Qt::LeftButton, {}, QPoint(40, 80));
+    }
+
     void regionsAndCropNeedMoreThanFourPoints() {
         state->selectTool(AnnotationTool::blur);
         drag({10, 10}, {14, 60});
@@ -166,19 +282,23 @@ private Q_SLOTS:
         QCOMPARE(state->annotations().size(), 2);
     }
 
-    void undoKeys() {
+    void undoKeysTakeBackActionsInOrderCropsIncluded() {
         state->selectTool(AnnotationTool::rectangle);
         drag({10, 10}, {50, 50});
         drag({60, 60}, {90, 90});
-        state->add({Annotation::Crop{QRectF(0, 0, 100, 100)}});
+        state->selectTool(AnnotationTool::crop);
+        drag({0, 0}, {100, 100});
+        QVERIFY(state->cropRect());
+
         QTest::keyClick(canvas.get(), Qt::Key_Z, Qt::ControlModifier);
-        QCOMPARE(state->annotations().size(), 1);
-        QTest::keyClick(canvas.get(), Qt::Key_Z, Qt::MetaModifier);
-        QVERIFY(state->annotations().isEmpty());
+        QVERIFY(!state->cropRect());  // the newest action goes first
+        QCOMPARE(state->annotations().size(), 2);
         QTest::keyClick(canvas.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-        QVERIFY(state->cropRect());  // no redo key, and it is not undo either
+        QCOMPARE(state->annotations().size(), 2);  // no redo key, and it is not undo either
+        QTest::keyClick(canvas.get(), Qt::Key_Z, Qt::MetaModifier);
+        QCOMPARE(state->annotations().size(), 1);
         QTest::keyClick(canvas.get(), Qt::Key_Z, Qt::ControlModifier);
-        QVERIFY(!state->cropRect());
+        QVERIFY(state->annotations().isEmpty());
     }
 
     void textFieldCommitsTrimmedTextOnReturn() {
@@ -186,7 +306,7 @@ private Q_SLOTS:
         QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
         QLineEdit* field = canvas->textField();
         QVERIFY(field);
-        QCOMPARE(field->geometry(), QRect(50, 60, 200, 28));
+        QVERIFY(field->geometry().contains(QPoint(50, 60)));
         QCOMPARE(field->placeholderText(), QStringLiteral("Type here…"));
         QVERIFY(!field->accessibleName().isEmpty());
         QVERIFY(state->annotations().isEmpty());
@@ -196,12 +316,12 @@ private Q_SLOTS:
         auto* text = lastAs<Annotation::Text>();
         QVERIFY(text);
         QCOMPARE(text->text, QStringLiteral("hello"));
-        QCOMPARE(text->origin, QPointF(50, 60));
+        QCOMPARE(text->origin, QPointF(50, 60));  // the text starts where it was placed
         QCOMPARE(text->color, AnnotationState::kInitialColor);
         QCOMPARE(text->font.pixelSize(), 16);
     }
 
-    void textFieldDropsBlankEscapedAndReplacedText() {
+    void textFieldDropsBlankAndEscapedText() {
         state->selectTool(AnnotationTool::text);
         QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
         QTest::keyClicks(canvas->textField(), QStringLiteral("   "));
@@ -212,13 +332,129 @@ private Q_SLOTS:
         QTest::keyClicks(canvas->textField(), QStringLiteral("gone"));
         QTest::keyClick(canvas->textField(), Qt::Key_Escape);
         QVERIFY(!canvas->textField());
+        QVERIFY(state->annotations().isEmpty());
+    }
 
+    void pressElsewhereEndsTheTextField() {
+        state->selectTool(AnnotationTool::text);
         QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
-        QTest::keyClicks(canvas->textField(), QStringLiteral("first"));
+        QTest::keyClicks(canvas->textField(), QStringLiteral(" first "));
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(150, 160));
+        QVERIFY(!canvas->textField());  // the press only ended the text
+        auto* first = lastAs<Annotation::Text>();
+        QVERIFY(first);
+        QCOMPARE(first->text, QStringLiteral("first"));
+
+        // An empty field closes the same way, leaving nothing behind.
         QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(150, 160));
         QVERIFY(canvas->textField());
-        QCOMPARE(canvas->textField()->text(), QString());
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(250, 200));
+        QVERIFY(!canvas->textField());
+        QCOMPARE(state->annotations().size(), 1);
+
+        // Picking another tool ends the text too.
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(150, 160));
+        QTest::keyClicks(canvas->textField(), QStringLiteral("second"));
+        state->selectTool(AnnotationTool::rectangle);
+        QVERIFY(!canvas->textField());
+        QCOMPARE(state->annotations().size(), 2);
+        auto* second = lastAs<Annotation::Text>();
+        QVERIFY(second);
+        QCOMPARE(second->text, QStringLiteral("second"));
+    }
+
+    void emptyTextFieldClosesWhenFocusLeaves() {
+        QVERIFY(activate());
+        auto* other = new QLineEdit(canvas.get());
+        other->setAccessibleName(QStringLiteral("Other field"));
+        other->setGeometry(300, 250, 80, 24);
+        other->show();
+        state->selectTool(AnnotationTool::text);
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
+        QVERIFY(canvas->textField());
+        QTRY_VERIFY(canvas->textField()->hasFocus());
+
+        other->setFocus(Qt::TabFocusReason);
+        QVERIFY(!canvas->textField());
         QVERIFY(state->annotations().isEmpty());
+
+        // Text that was typed is kept when focus leaves.
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
+        QTRY_VERIFY(canvas->textField() && canvas->textField()->hasFocus());
+        QTest::keyClicks(canvas->textField(), QStringLiteral("kept"));
+        other->setFocus(Qt::TabFocusReason);
+        QVERIFY(!canvas->textField());
+        QVERIFY(lastAs<Annotation::Text>());
+    }
+
+    void undoKeyReachesTheCanvasAfterTextIsConfirmed() {
+        QVERIFY(activate());
+        state->selectTool(AnnotationTool::text);
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
+        QTRY_VERIFY(canvas->textField() && canvas->textField()->hasFocus());
+        QTest::keyClicks(canvas->textField(), QStringLiteral("oops"));
+        QTest::keyClick(canvas->textField(), Qt::Key_Return);
+        QCOMPARE(state->annotations().size(), 1);
+        QWidget* focused = QApplication::focusWidget();
+        QVERIFY(focused);
+        QTest::keyClick(focused, Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(state->annotations().isEmpty());
+    }
+
+    void commitOpenTextKeepsTypedTextAndClosesTheField() {
+        QVERIFY(!canvas->commitOpenText());  // no field: nothing to do
+        state->selectTool(AnnotationTool::text);
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(80, 90));
+        QTest::keyClicks(canvas->textField(), QStringLiteral(" unsaved note "));
+        QVERIFY(canvas->commitOpenText());
+        QVERIFY(!canvas->textField());
+        auto* text = lastAs<Annotation::Text>();
+        QVERIFY(text);
+        QCOMPARE(text->text, QStringLiteral("unsaved note"));
+        QCOMPARE(text->origin, QPointF(80, 90));
+
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(80, 150));
+        QTest::keyClicks(canvas->textField(), QStringLiteral("  "));
+        QVERIFY(!canvas->commitOpenText());
+        QVERIFY(!canvas->textField());
+        QCOMPARE(state->annotations().size(), 1);
+        QVERIFY(!canvas->commitOpenText());
+    }
+
+    void textStaysPutWhenConfirmedAndInTheSavedImage() {
+        state->selectTool(AnnotationTool::text);
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(60, 3));  // near the top
+        QTest::keyClicks(canvas->textField(), QStringLiteral("Typed Hjg"));
+        const QRect typed = fieldTextInk();
+        QVERIFY(!typed.isEmpty());
+        QTest::keyClick(canvas->textField(), Qt::Key_Return);
+        QVERIFY(!canvas->textField());
+        const QRect confirmed = inkBounds(shown());
+        QVERIFY2(sameWithinOnePixel(typed, confirmed),
+                 qPrintable(QStringLiteral("typed at %1,%2 %3x%4, confirmed at %5,%6 %7x%8")
+                                .arg(typed.x())
+                                .arg(typed.y())
+                                .arg(typed.width())
+                                .arg(typed.height())
+                                .arg(confirmed.x())
+                                .arg(confirmed.y())
+                                .arg(confirmed.width())
+                                .arg(confirmed.height())));
+
+        QImage white(canvas->size(), QImage::Format_ARGB32_Premultiplied);
+        white.fill(Qt::white);
+        const QImage saved = renderAnnotatedImage(white, state->annotations(), std::nullopt);
+        const QRect inSaved = inkBounds(saved);
+        QVERIFY2(sameWithinOnePixel(confirmed, inSaved),
+                 qPrintable(QStringLiteral("shown at %1,%2 %3x%4, saved at %5,%6 %7x%8")
+                                .arg(confirmed.x())
+                                .arg(confirmed.y())
+                                .arg(confirmed.width())
+                                .arg(confirmed.height())
+                                .arg(inSaved.x())
+                                .arg(inSaved.y())
+                                .arg(inSaved.width())
+                                .arg(inSaved.height())));
     }
 
     void passthroughLeavesPressesToTheHost() {

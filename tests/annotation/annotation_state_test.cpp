@@ -1,5 +1,5 @@
-// The annotation document: undo order with a crop, crop replacement, reset,
-// colour changes and the two kinds of stroke.
+// The annotation document: undo order with crops among the shapes, crop
+// replacement and its undo, reset, colour changes and the two kinds of stroke.
 
 #include "annotation/annotation_state.h"
 
@@ -28,7 +28,7 @@ TEST(AnnotationStateTest, StartsEmptyWithThePencilAndDrawingOff) {
     EXPECT_FALSE(state.isDrawingEnabled());
 }
 
-TEST(AnnotationStateTest, UndoRemovesShapesNewestFirstAndTheCropLast) {
+TEST(AnnotationStateTest, UndoTakesBackActionsNewestFirstWithCropsInTheirPlace) {
     AnnotationState state;
     state.add(rectangle(1));
     state.add(crop(QRectF(5, 5, 50, 50)));
@@ -40,25 +40,48 @@ TEST(AnnotationStateTest, UndoRemovesShapesNewestFirstAndTheCropLast) {
     EXPECT_EQ(state.annotations().first(), rectangle(1));
     EXPECT_TRUE(state.cropRect().has_value());
 
-    state.undo();
-    EXPECT_TRUE(state.annotations().isEmpty());
-    EXPECT_TRUE(state.cropRect().has_value());
+    state.undo();  // the crop came after the first rectangle, so it goes first
+    EXPECT_FALSE(state.cropRect().has_value());
+    ASSERT_EQ(state.annotations().size(), 1);
+    EXPECT_EQ(state.annotations().first(), rectangle(1));
 
     state.undo();
-    EXPECT_FALSE(state.cropRect().has_value());
+    EXPECT_TRUE(state.annotations().isEmpty());
 
     QSignalSpy changes(&state, &AnnotationState::changed);
     state.undo();  // nothing left: a no-op
     EXPECT_TRUE(state.annotations().isEmpty());
+    EXPECT_FALSE(state.cropRect().has_value());
     EXPECT_EQ(changes.count(), 0);
 }
 
-TEST(AnnotationStateTest, SecondCropReplacesTheFirstAndOneUndoClearsIt) {
+TEST(AnnotationStateTest, UndoRightAfterACropKeepsTheShapesDrawnBeforeIt) {
+    AnnotationState state;
+    state.add(rectangle(1));
+    state.add(crop(QRectF(0, 0, 40, 40)));
+    state.undo();
+    EXPECT_FALSE(state.cropRect().has_value());
+    ASSERT_EQ(state.annotations().size(), 1);
+    EXPECT_EQ(state.annotations().first(), rectangle(1));
+}
+
+TEST(AnnotationStateTest, SecondCropReplacesTheFirstAndUndoBringsTheFirstBack) {
     AnnotationState state;
     state.add(crop(QRectF(0, 0, 20, 20)));
-    state.add(crop(QRectF(10, 10, 30, 30)));
+    state.add(rectangle(1));
+    state.add(crop(QRectF(40, 30, -30, -20)));  // dragged backwards: stored normalised
     ASSERT_TRUE(state.cropRect().has_value());
-    EXPECT_EQ(*state.cropRect(), QRectF(10, 10, 30, 30));
+    EXPECT_EQ(*state.cropRect(), QRectF(10, 10, 30, 20));
+
+    state.undo();
+    ASSERT_TRUE(state.cropRect().has_value());
+    EXPECT_EQ(*state.cropRect(), QRectF(0, 0, 20, 20));
+    EXPECT_EQ(state.annotations().size(), 1);
+
+    state.undo();
+    EXPECT_TRUE(state.annotations().isEmpty());
+    EXPECT_TRUE(state.cropRect().has_value());
+
     state.undo();
     EXPECT_FALSE(state.cropRect().has_value());
 }
@@ -81,6 +104,14 @@ TEST(AnnotationStateTest, ResetEmptiesTheDocumentAndTurnsDrawingOff) {
 
     state.selectTool(AnnotationTool::pencil);
     EXPECT_TRUE(state.isDrawingEnabled());
+
+    // Nothing from before the reset can be undone back into view.
+    state.add(rectangle(3));
+    state.undo();
+    state.undo();
+    state.undo();
+    EXPECT_TRUE(state.annotations().isEmpty());
+    EXPECT_FALSE(state.cropRect().has_value());
 }
 
 TEST(AnnotationStateTest, ColourChangesLeaveCommittedShapesAlone) {
@@ -106,7 +137,7 @@ TEST(AnnotationStateTest, HighlighterAndPencilMarksAreBothStrokes) {
     EXPECT_NE(state.annotations()[0], state.annotations()[1]);
 }
 
-TEST(AnnotationStateTest, AddAnnouncesTheListAndUndoOfACropAnnouncesTheCrop) {
+TEST(AnnotationStateTest, AddAndUndoAnnounceOnlyWhatTheyChange) {
     AnnotationState state;
     QSignalSpy list(&state, &AnnotationState::annotationsChanged);
     QSignalSpy crops(&state, &AnnotationState::cropRectChanged);
@@ -114,8 +145,10 @@ TEST(AnnotationStateTest, AddAnnouncesTheListAndUndoOfACropAnnouncesTheCrop) {
     state.add(crop(QRectF(0, 0, 8, 8)));
     EXPECT_EQ(list.count(), 1);
     EXPECT_EQ(crops.count(), 1);
-    state.undo();
-    state.undo();
+    state.undo();  // the crop
+    EXPECT_EQ(list.count(), 1);
+    EXPECT_EQ(crops.count(), 2);
+    state.undo();  // the rectangle
     EXPECT_EQ(list.count(), 2);
     EXPECT_EQ(crops.count(), 2);
 }
