@@ -131,7 +131,7 @@ void CaptureService::captureWindow(quint32 windowId) {
                 }
                 QPointer<CaptureService> self(this);
                 QtConcurrent::run([toolOutput, destination, scratch] {
-                    const SavedWindowCapture capture = saveToolOutput(toolOutput, destination);
+                    SavedWindowCapture capture = saveToolOutput(toolOutput, destination);
                     scratch->remove();
                     return capture;
                 }).then(this, [self, inFlight](const SavedWindowCapture& capture) {

@@ -1,12 +1,11 @@
 #include "capture_tool.h"
 
-#include <QBuffer>
-#include <QImageWriter>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 #include "capture_arguments.h"
+#include "library/png_encoding.h"
 #include "platform/x11/x11_window_grabber.h"
 #include "storage/atomic_file.h"
 
@@ -52,11 +51,10 @@ X11GrabResult grab(X11WindowGrabber& grabber, const CaptureArguments& arguments)
 // once complete (the program's one atomic write), so a failure leaves
 // neither a partial file nor a stray one.
 bool writePng(const QImage& image, const QString& path, QString* reason) {
-    QByteArray png;
-    QBuffer buffer(&png);
-    QImageWriter writer(&buffer, QByteArrayLiteral("png"));
-    if (!buffer.open(QIODevice::WriteOnly) || !writer.write(image)) {
-        *reason = QStringLiteral("cannot write %1: %2").arg(path, writer.errorString());
+    QString problem;
+    const QByteArray png = encodePng(image, &problem);
+    if (png.isEmpty()) {
+        *reason = QStringLiteral("cannot write %1: %2").arg(path, problem);
         return false;
     }
     if (!writeFileAtomically(path, png)) {
