@@ -4,28 +4,21 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QFileSystemWatcher>
-#include <QImageReader>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
 #include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
-#include <cmath>
 #include <optional>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "library/capture_registry.h"
-#include "library/image_allocation_limit.h"
-#include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 
@@ -37,47 +30,11 @@ struct ScreenshotStore::ScanRequest {
     int limit = UserDefaults::kMaxScreenshotsDefault;
 };
 
-// A listed file whose thumbnail is not (or not yet) in the cache.
-struct ScreenshotStore::PendingThumbnail {
-    QString id;
-    QString path;
-    QString lowerSuffix;
-    qint64 fileSize = 0;
-};
-
 struct ScreenshotStore::ScanResult {
     // Newest first, without thumbnails; `files` runs parallel to it.
     QList<ScreenshotItem> items;
-    std::vector<PendingThumbnail> files;
+    std::vector<Thumbnailer::Source> files;
     int limit = UserDefaults::kMaxScreenshotsDefault;
-};
-
-struct ScreenshotStore::DecodedThumbnail {
-    QString id;
-    CachedThumbnail thumbnail;
-};
-
-// One scan's missing thumbnails, decoded by a few workers that each take the
-// next file until none is left. Decoded thumbnails are handed to the GUI
-// thread in batches.
-struct ScreenshotStore::ThumbnailFill {
-    int generation = 0;
-    std::vector<PendingThumbnail> files;
-    std::shared_ptr<const VideoFrameReader> videoFrameReader;
-    // Set on the GUI thread when a newer scan is published: workers take no
-    // further file.
-    std::atomic<bool> superseded = false;
-
-    QMutex mutex;  // Guards everything below.
-    size_t nextFile = 0;
-    size_t decodedCount = 0;
-    // Workers inside runThumbnailFillWorker now. Counted as they arrive, not
-    // as they are queued: the thread pool has been seen to drop a queued job
-    // under heavy load, and the filling must still finish without it.
-    int activeWorkers = 0;
-    bool finishReported = false;
-    std::vector<DecodedThumbnail> batch;
-    QElapsedTimer sinceLastBatch;
 };
 
 namespace {
@@ -101,43 +58,6 @@ QDateTime creationDate(const QFileInfo& info) {
     return birth.isValid() ? birth : info.lastModified();
 }
 
-QSize fittedThumbnailSize(const QSize& size) {
-    const int longer = std::max(size.width(), size.height());
-    if (longer <= ScreenshotItem::kThumbnailMaxSide) {
-        return size;  // Never enlarged.
-    }
-    const double scale = double(ScreenshotItem::kThumbnailMaxSide) / longer;
-    return {std::max(1, int(std::lround(size.width() * scale))),
-            std::max(1, int(std::lround(size.height() * scale)))};
-}
-
-// Decodes at reduced size where the format allows it, turned upright by the
-// image's orientation tag.
-QImage imageThumbnail(const QString& path) {
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    const QSize size = reader.size();
-    if (size.isValid()) {
-        reader.setScaledSize(fittedThumbnailSize(size));
-    }
-    QImage image = reader.read();
-    if (image.isNull()) {
-        return {};
-    }
-    const QSize fitted = fittedThumbnailSize(image.size());
-    return fitted == image.size()
-               ? image
-               : image.scaled(fitted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-}
-
-QImage thumbnailFor(const QString& path, const QString& lowerSuffix,
-                    const VideoFrameReader& videoFrameReader) {
-    if (isVideoSuffix(lowerSuffix)) {
-        return videoFrameReader.firstFrame(path, ScreenshotItem::kThumbnailMaxSide);
-    }
-    return imageThumbnail(path);
-}
-
 std::optional<quint64> inodeOf(const QString& path) {
     struct stat status {};
     if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
@@ -149,7 +69,6 @@ std::optional<quint64> inodeOf(const QString& path) {
 // A listed file; its thumbnail is filled in after sorting and limiting.
 struct FoundFile {
     ScreenshotItem item;
-    QString lowerSuffix;
     qint64 size = 0;
 };
 
@@ -177,16 +96,10 @@ void collectCaptureFiles(const QString& folder, bool onlyOwnCaptures,
             date = ScreenshotItem::distantPast();
         }
         const QDateTime modified = info.lastModified();
-        found.push_back({ScreenshotItem(path, date, modified.isValid() ? modified : date),
-                         lowerSuffix, info.size()});
+        found.push_back(
+            {ScreenshotItem(path, date, modified.isValid() ? modified : date), info.size()});
     }
 }
-
-// Decoded thumbnails are handed to the GUI thread in batches of this many,
-// or of whatever came in during this long, so the gallery fills steadily
-// without one update per picture.
-constexpr size_t kThumbnailBatchSize = 16;
-constexpr qint64 kThumbnailBatchIntervalMs = 100;
 
 }  // namespace
 
@@ -209,11 +122,8 @@ ScreenshotStore::ScreenshotStore(const QString& desktopFolder, const QString& sc
       registry_(registry),
       settings_(settings),
       defaults_(defaults),
-      videoFrameReader_(videoFrameReader ? std::move(videoFrameReader)
-                                         : std::make_shared<FfmpegVideoFrameReader>()) {
-    raiseImageAllocationLimit();
+      thumbnailer_(std::move(videoFrameReader)) {
     pool_.setMaxThreadCount(std::max(1, QThread::idealThreadCount()));
-    thumbnailPool_.setMaxThreadCount(std::max(1, QThread::idealThreadCount()));
     // The first scan is published from the event loop: the shell's launch
     // clean-up, called right after construction, finds an empty list.
     startScan();
@@ -225,14 +135,15 @@ ScreenshotStore::ScreenshotStore(const QString& desktopFolder, const QString& sc
             refresh();
         }
     });
+    connect(&thumbnailer_, &Thumbnailer::thumbnailsDecoded, this, &ScreenshotStore::showThumbnails);
+    connect(&thumbnailer_, &Thumbnailer::fillingFinished, this, &ScreenshotStore::emitIfIdle);
 }
 
 ScreenshotStore::~ScreenshotStore() {
     stopWatching();
-    supersedeThumbnailFill();
     // Jobs post their results to this object; let them finish while it is
     // still whole. Results not yet delivered are dropped with the object.
-    thumbnailPool_.waitForDone();
+    // The thumbnailer ends its own filling as it is destroyed.
     pool_.waitForDone();
 }
 
@@ -297,20 +208,17 @@ ScreenshotStore::ScanResult ScreenshotStore::scan(const ScanRequest& request) {
     result.files.reserve(found.size());
     for (const FoundFile& file : found) {
         result.items.append(file.item);
-        result.files.push_back({file.item.id(), file.item.path(), file.lowerSuffix, file.size});
+        result.files.push_back({file.item.id(), file.item.path(), file.size});
     }
     return result;
 }
 
 void ScreenshotStore::publish(const ScanResult& result) {
     screenshots_ = result.items;
-    std::vector<PendingThumbnail> missing = takeCachedThumbnails(result);
+    // Cached thumbnails are shown at once; the missing ones follow.
+    thumbnailer_.fill(screenshots_, result.files);
     ++publishedScanCount_;
     scanRunning_ = false;
-    supersedeThumbnailFill();
-    if (!missing.empty()) {
-        startThumbnailFill(std::move(missing));
-    }
     if (scanWaiting_) {
         scanWaiting_ = false;
         startScan();
@@ -324,129 +232,19 @@ void ScreenshotStore::publish(const ScanResult& result) {
     emitIfIdle();
 }
 
-// Gives the just-published items the thumbnails the cache holds for their
-// file version, keeps only those in the cache, and returns the files whose
-// thumbnail is still missing, newest first. The cache is read here rather
-// than when the scan started so that thumbnails an earlier filling decoded
-// meanwhile are not decoded again.
-std::vector<ScreenshotStore::PendingThumbnail> ScreenshotStore::takeCachedThumbnails(
-    const ScanResult& result) {
-    ThumbnailCache kept;
-    std::vector<PendingThumbnail> missing;
-    for (qsizetype i = 0; i < screenshots_.size(); ++i) {
-        const PendingThumbnail& file = result.files[size_t(i)];
-        const auto cached = thumbnailCache_.constFind(file.id);
-        if (cached != thumbnailCache_.constEnd() && cached->fileSize == file.fileSize) {
-            screenshots_[i].setThumbnail(cached->image);
-            kept.insert(file.id, *cached);
-        } else {
-            missing.push_back(file);
+// Hands thumbnails of the published list to its items; the list itself is
+// unchanged.
+void ScreenshotStore::showThumbnails(const QHash<QString, QImage>& thumbnailsById) {
+    QStringList changedIds;
+    for (ScreenshotItem& item : screenshots_) {
+        const auto thumbnail = thumbnailsById.constFind(item.id());
+        if (thumbnail != thumbnailsById.constEnd()) {
+            item.setThumbnail(*thumbnail);
+            changedIds.append(item.id());
         }
     }
-    thumbnailCache_ = std::move(kept);
-    return missing;
-}
-
-void ScreenshotStore::startThumbnailFill(std::vector<PendingThumbnail> pending) {
-    auto fill = std::make_shared<ThumbnailFill>();
-    fill->generation = fillGeneration_;
-    fill->files = std::move(pending);
-    fill->videoFrameReader = videoFrameReader_;
-    const size_t workerCount =
-        std::min<size_t>(size_t(thumbnailPool_.maxThreadCount()), fill->files.size());
-    fill->sinceLastBatch.start();
-    currentFill_ = fill;
-    ++fillsRunning_;
-    for (size_t worker = 0; worker < workerCount; ++worker) {
-        thumbnailPool_.start([this, fill] { runThumbnailFillWorker(fill); });
-    }
-}
-
-void ScreenshotStore::supersedeThumbnailFill() {
-    ++fillGeneration_;
-    if (currentFill_ != nullptr) {
-        currentFill_->superseded = true;
-        currentFill_.reset();
-    }
-}
-
-// One worker: decodes files until none is left or the filling is
-// superseded, handing over the batch whenever it is due. The last worker to
-// stop once nothing is left hands over the rest and reports the filling
-// finished, exactly once; a worker arriving after that has nothing to do.
-void ScreenshotStore::runThumbnailFillWorker(const std::shared_ptr<ThumbnailFill>& fill) {
-    const auto handOver = [this, generation = fill->generation](std::vector<DecodedThumbnail> batch,
-                                                                bool finished) {
-        QMetaObject::invokeMethod(
-            this,
-            [this, generation, batch = std::move(batch), finished] {
-                receiveThumbnails(generation, batch, finished);
-            },
-            Qt::QueuedConnection);
-    };
-
-    QMutexLocker locker(&fill->mutex);
-    if (fill->finishReported) {
-        return;
-    }
-    ++fill->activeWorkers;
-    while (!fill->superseded && fill->nextFile < fill->files.size()) {
-        const PendingThumbnail& file = fill->files[fill->nextFile++];
-        locker.unlock();
-        // A file deleted or damaged since the listing gives a null
-        // thumbnail, which is cached like any failed decode.
-        const QImage image = thumbnailFor(file.path, file.lowerSuffix, *fill->videoFrameReader);
-        locker.relock();
-        fill->batch.push_back({file.id, {file.fileSize, image}});
-        ++fill->decodedCount;
-        const bool batchDue = fill->batch.size() >= kThumbnailBatchSize ||
-                              fill->sinceLastBatch.elapsed() >= kThumbnailBatchIntervalMs ||
-                              fill->decodedCount == fill->files.size();
-        if (batchDue) {
-            std::vector<DecodedThumbnail> batch = std::exchange(fill->batch, {});
-            fill->sinceLastBatch.restart();
-            locker.unlock();
-            handOver(std::move(batch), false);
-            locker.relock();
-        }
-    }
-    // Leaving the loop means no file is left to take (or none will be).
-    if (--fill->activeWorkers == 0) {
-        fill->finishReported = true;
-        std::vector<DecodedThumbnail> rest = std::exchange(fill->batch, {});
-        locker.unlock();
-        handOver(std::move(rest), true);
-    }
-}
-
-void ScreenshotStore::receiveThumbnails(int fillGeneration,
-                                        const std::vector<DecodedThumbnail>& decoded,
-                                        bool fillFinished) {
-    for (const DecodedThumbnail& thumbnail : decoded) {
-        thumbnailCache_.insert(thumbnail.id, thumbnail.thumbnail);
-    }
-    // A superseded filling only feeds the cache: the newer list may hold
-    // another version of a file under the same id, and its own filling or
-    // cache look-up covers the rest.
-    if (fillGeneration == fillGeneration_ && !decoded.empty()) {
-        QHash<QString, const QImage*> byId;
-        for (const DecodedThumbnail& thumbnail : decoded) {
-            byId.insert(thumbnail.id, &thumbnail.thumbnail.image);
-        }
-        QStringList changedIds;
-        for (ScreenshotItem& item : screenshots_) {
-            if (const QImage* image = byId.value(item.id())) {
-                item.setThumbnail(*image);
-                changedIds.append(item.id());
-            }
-        }
-        if (!changedIds.isEmpty()) {
-            Q_EMIT thumbnailsChanged(changedIds);
-        }
-    }
-    if (fillFinished) {
-        --fillsRunning_;
-        emitIfIdle();
+    if (!changedIds.isEmpty()) {
+        Q_EMIT thumbnailsChanged(changedIds);
     }
 }
 
@@ -478,32 +276,30 @@ void ScreenshotStore::stopWatching() {
 void ScreenshotStore::insertNewCapture(const QString& path) {
     registry_.record(path);
     ++fileOperationsRunning_;
-    pool_.start([this, path, videoFrameReader = videoFrameReader_] {
+    pool_.start([this, path] {
         const QFileInfo info(path);
         QDateTime date = creationDate(info);
         if (!date.isValid()) {
             date = QDateTime::currentDateTimeUtc();
         }
         const QDateTime modified = info.lastModified();
-        const QImage thumbnail = thumbnailFor(path, info.suffix().toLower(), *videoFrameReader);
         const ScreenshotItem item(normalizedPath(info), date, modified.isValid() ? modified : date,
-                                  thumbnail);
-        const CachedThumbnail cached{info.size(), thumbnail};
+                                  thumbnailer_.decode(path));
         QMetaObject::invokeMethod(
             this,
-            [this, item, cached] {
-                insertAtFront(item, cached);
+            [this, item, fileSize = info.size()] {
+                insertAtFront(item, fileSize);
                 finishFileOperation();
             },
             Qt::QueuedConnection);
     });
 }
 
-void ScreenshotStore::insertAtFront(const ScreenshotItem& item, const CachedThumbnail& thumbnail) {
+void ScreenshotStore::insertAtFront(const ScreenshotItem& item, qint64 fileSize) {
     // A rescan may already have listed the file; it must not appear twice.
     screenshots_.removeIf([&](const ScreenshotItem& listed) { return listed.id() == item.id(); });
     screenshots_.prepend(item);
-    thumbnailCache_.insert(item.id(), thumbnail);
+    thumbnailer_.remember({item.id(), item.path(), fileSize}, item.thumbnail());
     Q_EMIT screenshotsChanged();
 }
 
@@ -608,8 +404,8 @@ void ScreenshotStore::finishFileOperation() {
 }
 
 bool ScreenshotStore::isIdle() const {
-    return !scanRunning_ && !scanWaiting_ && fillsRunning_ == 0 && fileOperationsRunning_ == 0 &&
-           requestsInTransit_ == 0;
+    return !scanRunning_ && !scanWaiting_ && !thumbnailer_.isFilling() &&
+           fileOperationsRunning_ == 0 && requestsInTransit_ == 0;
 }
 
 void ScreenshotStore::emitIfIdle() {

@@ -10,10 +10,10 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <vector>
 
 #include "library/capture_file_rename.h"
 #include "library/screenshot_item.h"
+#include "library/thumbnailer.h"
 
 class CaptureRegistry;
 class QFileSystemWatcher;
@@ -31,18 +31,18 @@ class VideoFrameReader;
 // announced (fileRenamed, filesTrashed), so that a window showing a file can
 // follow it.
 //
-// Confined to the GUI thread. Scans (listing, dates, the registry filter),
-// thumbnail decoding and file moves run on the store's worker threads;
-// results are published on the GUI thread. A scan publishes the list as soon
-// as the files are listed, with the thumbnails already cached; the missing
-// ones are then decoded in parallel and handed over in batches
-// (thumbnailsChanged), so the gallery can draw long before every picture is
-// decoded. At most one scan runs at a time and at most one more waits: all
-// requests that arrive while a scan runs (a burst of folder events) cost one
-// more scan, which starts after the running one is published, so the newest
-// state of the folders always wins. A published scan ends the thumbnail
-// filling of the one before; what that filling already decoded is kept in
-// the cache for later scans.
+// Confined to the GUI thread. Scans (listing, dates, the registry filter)
+// and file moves run on the store's worker threads, thumbnails are decoded
+// and cached by its Thumbnailer; results are published on the GUI thread. A
+// scan publishes the list as soon as the files are listed, with the
+// thumbnails already cached; the missing ones are then decoded in parallel
+// and handed over in batches (thumbnailsChanged), so the gallery can draw
+// long before every picture is decoded. At most one scan runs at a time and
+// at most one more waits: all requests that arrive while a scan runs (a
+// burst of folder events) cost one more scan, which starts after the running
+// one is published, so the newest state of the folders always wins. A
+// published scan ends the thumbnail filling of the one before; what that
+// filling already decoded is kept in the cache for later scans.
 class ScreenshotStore : public QObject {
     Q_OBJECT
 
@@ -129,33 +129,17 @@ Q_SIGNALS:
     void filesTrashed(const QStringList& paths);
 
 private:
-    // A thumbnail made for one version of a file (its id), kept so that a
-    // rescan decodes only new or changed files. Failed decodes are kept too,
-    // so a damaged file is not retried on every rescan.
-    struct CachedThumbnail {
-        qint64 fileSize = -1;
-        QImage image;
-    };
-    using ThumbnailCache = QHash<QString, CachedThumbnail>;
     struct ScanRequest;
     struct ScanResult;
-    struct PendingThumbnail;
-    struct DecodedThumbnail;
-    struct ThumbnailFill;
 
     static ScanResult scan(const ScanRequest& request);
     void startScan();
     void handleRequestInTransit();
     void publish(const ScanResult& result);
-    std::vector<PendingThumbnail> takeCachedThumbnails(const ScanResult& result);
-    void startThumbnailFill(std::vector<PendingThumbnail> pending);
-    void supersedeThumbnailFill();
-    void runThumbnailFillWorker(const std::shared_ptr<ThumbnailFill>& fill);
-    void receiveThumbnails(int fillGeneration, const std::vector<DecodedThumbnail>& decoded,
-                           bool fillFinished);
+    void showThumbnails(const QHash<QString, QImage>& thumbnailsById);
     void startWatching();
     void trashFiles(const QStringList& paths);
-    void insertAtFront(const ScreenshotItem& item, const CachedThumbnail& thumbnail);
+    void insertAtFront(const ScreenshotItem& item, qint64 fileSize);
     void removeWhere(const std::function<bool(const ScreenshotItem&)>& shouldRemove);
     void finishFileOperation();
     void emitIfIdle();
@@ -164,10 +148,8 @@ private:
     CaptureRegistry& registry_;
     UserSettings& settings_;
     UserDefaults& defaults_;
-    std::shared_ptr<const VideoFrameReader> videoFrameReader_;
 
     QList<ScreenshotItem> screenshots_;
-    ThumbnailCache thumbnailCache_;
     QFileSystemWatcher* watcher_ = nullptr;
 
     // refresh() calls from other threads that the GUI thread has not yet
@@ -175,18 +157,14 @@ private:
     std::atomic<int> requestsInTransit_ = 0;
     bool scanRunning_ = false;
     bool scanWaiting_ = false;
-    // The filling of the latest published scan; earlier ones are superseded.
-    std::shared_ptr<ThumbnailFill> currentFill_;
-    int fillGeneration_ = 0;
-    // Fillings (superseded ones included) whose workers have not all ended.
-    int fillsRunning_ = 0;
     int fileOperationsRunning_ = 0;
     int publishedScanCount_ = 0;
 
-    // Declared last so that they are destroyed first; the destructor also
-    // waits for them, so no job outlives the members it reads. Thumbnails
-    // are decoded on their own pool so that a filling, which keeps every
-    // thread busy for seconds, never holds back a scan or a file move.
+    // Decodes on threads of its own, so that a thumbnail filling never holds
+    // back a scan or a file move.
+    Thumbnailer thumbnailer_;
+    // Declared last so that it is destroyed first; the destructor also waits
+    // for it, so no job outlives the members it reads (the thumbnailer
+    // included).
     QThreadPool pool_;
-    QThreadPool thumbnailPool_;
 };

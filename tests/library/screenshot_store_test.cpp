@@ -8,7 +8,6 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QPainter>
-#include <QProcess>
 #include <QTest>
 #include <QThread>
 #include <QTimeZone>
@@ -19,6 +18,7 @@
 #include "library/capture_registry.h"
 #include "library/image_allocation_limit.h"
 #include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
+#include "sample_video.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 #include "support/test_support.h"
@@ -36,16 +36,6 @@ void writePng(const QString& path, QSize size = {8, 8}, QColor left = Qt::red,
                               right);
     QDir().mkpath(QFileInfo(path).absolutePath());
     ASSERT_TRUE(image.save(path, "PNG")) << path.toStdString();
-}
-
-bool makeVideo(const QString& path) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QProcess ffmpeg;
-    ffmpeg.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    ffmpeg.start(QStringLiteral("ffmpeg"),
-                 {"-v", "error", "-y", "-f", "lavfi", "-i", "testsrc=size=320x240:rate=30", "-t",
-                  "1", "-pix_fmt", "yuv420p", path});
-    return ffmpeg.waitForFinished(60000) && ffmpeg.exitCode() == 0;
 }
 
 quint64 inodeOf(const QString& path) {
@@ -291,8 +281,8 @@ TEST_F(ScreenshotStoreTest, ThumbnailsFitIn200PixelsAndKeepThePicture) {
     writePng(desktop("wide.png"), {1000, 500});
     writePng(desktop("tall.png"), {300, 900});
     writePng(desktop("small.png"), {120, 80});
-    ASSERT_TRUE(makeVideo(desktop("recording.mp4")));
-    ASSERT_TRUE(makeVideo(screenshots("recording.mov")));
+    ASSERT_TRUE(writeSampleVideo(desktop("recording.mp4")));
+    ASSERT_TRUE(writeSampleVideo(screenshots("recording.mov")));
 
     const auto store = openStore();
     const QImage wide = find(*store, "wide.png")->thumbnail();
@@ -309,7 +299,7 @@ TEST_F(ScreenshotStoreTest, DamagedFilesAreListedWithoutThumbnail) {
     writeFileBytes(desktop("corrupt.png"), QByteArray("\x89PNG\r\n\x1a\n", 8) + "garbage");
     writeFileBytes(desktop("empty.png"), {});
     writeFileBytes(desktop("corrupt.mp4"), QByteArray(4096, 'x'));
-    ASSERT_TRUE(makeVideo(folder.path("whole.mp4")));
+    ASSERT_TRUE(writeSampleVideo(folder.path("whole.mp4")));
     const QByteArray video = readFileBytes(folder.path("whole.mp4"));
     writeFileBytes(desktop("truncated.mov"), video.left(video.size() / 2));
 
@@ -379,7 +369,7 @@ TEST_F(ScreenshotStoreTest, InsertNewCaptureListsItFirstAndRecordsItAsOwn) {
     store->stopWatching();  // only the insertion can list the recording
 
     const QString recording = desktop("Recording_1700000000.mp4");
-    ASSERT_TRUE(makeVideo(recording));
+    ASSERT_TRUE(writeSampleVideo(recording));
     EXPECT_FALSE(registry.contains(inodeOf(recording)));
     store->insertNewCapture(recording);
     EXPECT_TRUE(registry.contains(inodeOf(recording)));
@@ -607,7 +597,7 @@ TEST_F(ScreenshotStoreTest, AFileDeletedDuringTheFillingStaysWithoutThumbnailUnt
 
 TEST_F(ScreenshotStoreTest, VideosWithoutAFrameAreNotReadAgainOnRescan) {
     writeFileBytes(desktop("corrupt.mp4"), QByteArray(4096, 'x'));
-    ASSERT_TRUE(makeVideo(desktop("good.mp4")));
+    ASSERT_TRUE(writeSampleVideo(desktop("good.mp4")));
     const auto reader = std::make_shared<CountingVideoFrameReader>();
     ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults, reader);
     store.stopWatching();

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+// Writes a one-second 320 × 240 test-pattern recording to `path` with the
+// ffmpeg program, creating its folder; false when it could not be made.
+bool writeSampleVideo(const QString& path);
