@@ -25,23 +25,14 @@ CaptureRegistry::CaptureRegistry(const QString& directory, const QString& legacy
 }
 
 void CaptureRegistry::load() {
-    const std::optional<QByteArray> plaintext = file_.read();
-    if (!plaintext) {
-        return;
-    }
-    const std::optional<nlohmann::ordered_json> json = decodeJson(*plaintext);
-    if (!json || !json->is_array()) {
-        file_.markUndecodable();
-        return;
-    }
-    // One bad entry costs only itself; the file is still kept aside.
-    for (const auto& element : *json) {
-        if (element.is_number_unsigned()) {
-            capturedInodes_.insert(element.get<std::uint64_t>());
-        } else {
-            file_.markUndecodable();
-        }
-    }
+    file_.readEntries(EnvelopeFile::EntryList::array,
+                      [this](const std::string& /*index*/, const nlohmann::ordered_json& entry) {
+                          if (!entry.is_number_unsigned()) {
+                              return false;
+                          }
+                          capturedInodes_.insert(entry.get<std::uint64_t>());
+                          return true;
+                      });
 }
 
 void CaptureRegistry::record(const QString& filePath) {

@@ -10,6 +10,7 @@
 
 #include "storage/app_crypto.h"
 #include "storage/atomic_file.h"
+#include "storage/json_codec.h"
 
 namespace {
 
@@ -119,6 +120,38 @@ std::optional<QByteArray> EnvelopeFile::read() {
         keepAsideBeforeWrite_ = true;
     }
     return plaintext;
+}
+
+std::optional<nlohmann::ordered_json> EnvelopeFile::readJson() {
+    const std::optional<QByteArray> plaintext = read();
+    if (!plaintext) {
+        return std::nullopt;
+    }
+    std::optional<nlohmann::ordered_json> json = decodeJson(*plaintext);
+    if (!json) {
+        markUndecodable();
+    }
+    return json;
+}
+
+void EnvelopeFile::readEntries(
+    EntryList shape,
+    const std::function<bool(const std::string& name, const nlohmann::ordered_json& entry)>&
+        takeEntry) {
+    const std::optional<nlohmann::ordered_json> json = readJson();
+    if (!json) {
+        return;
+    }
+    const bool expectedShape = shape == EntryList::array ? json->is_array() : json->is_object();
+    if (!expectedShape) {
+        markUndecodable();
+        return;
+    }
+    for (const auto& entry : json->items()) {
+        if (!takeEntry(entry.key(), entry.value())) {
+            markUndecodable();
+        }
+    }
 }
 
 bool EnvelopeFile::write(const QByteArray& json) {

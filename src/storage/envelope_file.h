@@ -3,7 +3,10 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <functional>
+#include <nlohmann/json.hpp>
 #include <optional>
+#include <string>
 
 // Where the program keeps its data files, and the one read rule and one write
 // rule that every store uses for them.
@@ -46,6 +49,24 @@ public:
 
     // The store could not decode all of what read() returned.
     void markUndecodable() { keepAsideBeforeWrite_ = true; }
+
+    // The file's JSON document: the read rule, then the JSON decoding.
+    // Nothing when the file is missing, cannot be read or holds no JSON; the
+    // last two are kept aside before the next write. What a document of the
+    // wrong shape means is the store's to decide.
+    std::optional<nlohmann::ordered_json> readJson();
+
+    // How a document of entries holds them.
+    enum class EntryList { array, object };
+
+    // Reads a document that is a list of entries, each decoded on its own by
+    // `takeEntry`, which returns false for one it cannot decode; the name is
+    // a member's name in an object, the index in an array. An undecodable
+    // entry costs only itself, a document of another shape gives no entries,
+    // and either keeps the whole file aside before the next write.
+    void readEntries(EntryList shape,
+                     const std::function<bool(const std::string& name,
+                                              const nlohmann::ordered_json& entry)>& takeEntry);
 
     // The write rule on this file, after keeping a damaged file aside.
     bool write(const QByteArray& json);

@@ -23,23 +23,15 @@ ScreenshotMetadata ScreenshotMetadataStore::recordFor(const QString& filePath) c
 }
 
 void ScreenshotMetadataStore::load() {
-    const std::optional<QByteArray> plaintext = file_.read();
-    if (!plaintext) {
-        return;
-    }
-    const std::optional<nlohmann::ordered_json> json = decodeJson(*plaintext);
-    if (!json || !json->is_object()) {
-        file_.markUndecodable();
-        return;
-    }
-    // One bad record costs only itself; the file is still kept aside.
-    for (const auto& [key, value] : json->items()) {
-        if (const std::optional<ScreenshotMetadata> record = decodeMetadata(value)) {
-            metadata_.insert(QString::fromStdString(key), *record);
-        } else {
-            file_.markUndecodable();
-        }
-    }
+    file_.readEntries(EnvelopeFile::EntryList::object,
+                      [this](const std::string& key, const nlohmann::ordered_json& value) {
+                          const std::optional<ScreenshotMetadata> record = decodeMetadata(value);
+                          if (!record) {
+                              return false;
+                          }
+                          metadata_.insert(QString::fromStdString(key), *record);
+                          return true;
+                      });
 }
 
 void ScreenshotMetadataStore::setColorLabel(std::optional<ColorLabel> label,

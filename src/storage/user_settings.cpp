@@ -61,28 +61,20 @@ UserSettings::UserSettings(const QString& directory, const QString& legacyDirect
 // Every path through the load ends with the two setters, so the file on disk
 // is sealed and in the current format after the first start.
 void UserSettings::load() {
-    std::optional<QByteArray> plaintext = file_.read();
-    if (!plaintext) {
-        setLastShelfLocation(std::nullopt);
-        setShowOnlyQuillixItems(true);
-        return;
+    SettingsData data{HotkeyConfig::defaults(), std::nullopt, true};
+    if (const std::optional<nlohmann::ordered_json> json = file_.readJson()) {
+        if (std::optional<SettingsData> decoded = decodeSettingsData(*json)) {
+            data = *decoded;
+        } else if (std::optional<HotkeyConfig> legacy = HotkeyConfig::fromJson(*json)) {
+            // Older versions stored only the bindings, at the top level.
+            data.hotkeys = *legacy;
+        } else {
+            file_.markUndecodable();
+        }
     }
-    const std::optional<nlohmann::ordered_json> json = decodeJson(*plaintext);
-    if (std::optional<SettingsData> data = json ? decodeSettingsData(*json) : std::nullopt) {
-        hotkeys_ = data->hotkeys;
-        setLastShelfLocation(data->lastShelfLocation);
-        setShowOnlyQuillixItems(data->showOnlyQuillixItems);
-        return;
-    }
-    // Older versions stored only the bindings, at the top level.
-    if (std::optional<HotkeyConfig> legacy = json ? HotkeyConfig::fromJson(*json) : std::nullopt) {
-        hotkeys_ = *legacy;
-    } else {
-        hotkeys_ = HotkeyConfig::defaults();
-        file_.markUndecodable();
-    }
-    setLastShelfLocation(std::nullopt);
-    setShowOnlyQuillixItems(true);
+    hotkeys_ = data.hotkeys;
+    setLastShelfLocation(data.lastShelfLocation);
+    setShowOnlyQuillixItems(data.showOnlyQuillixItems);
 }
 
 void UserSettings::setHotkeys(const HotkeyConfig& hotkeys) {

@@ -5,6 +5,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "storage/app_crypto.h"
 #include "support/test_support.h"
@@ -147,6 +150,72 @@ TEST(EnvelopeFile, LegacyFileMovesInOnlyWhenNoCurrentFileExists) {
     EnvelopeFile again(folder.dataDir(), "x.bin", folder.legacyDir(), {"x.bin"});
     EXPECT_EQ(again.read(), QByteArray("legacy"));
     EXPECT_TRUE(QFileInfo::exists(folder.legacyDir() + "/x.bin"));
+}
+
+// What readEntries handed over, by name, with the entries it refused.
+struct TakenEntries {
+    std::vector<std::pair<std::string, int>> taken;
+    int refused = 0;
+};
+
+TakenEntries readNumberEntries(EnvelopeFile& file, EnvelopeFile::EntryList shape) {
+    TakenEntries result;
+    file.readEntries(shape,
+                     [&result](const std::string& name, const nlohmann::ordered_json& entry) {
+                         if (!entry.is_number_integer()) {
+                             ++result.refused;
+                             return false;
+                         }
+                         result.taken.emplace_back(name, entry.get<int>());
+                         return true;
+                     });
+    return result;
+}
+
+bool keptAsideAfterWrite(EnvelopeFile& file, const QString& folder) {
+    file.write("[]");
+    return !QDir(folder).entryList({"*.unreadable*"}).isEmpty();
+}
+
+TEST(EnvelopeFileJson, EntriesOfAnObjectComeWithTheirNamesAndAWellFormedFileStaysPut) {
+    TestFolder folder;
+    writeFileBytes(folder.dataDir() + "/x.bin", AppCrypto::encrypt(R"({"b":2,"a":1})").value());
+    EnvelopeFile file(folder.dataDir(), "x.bin");
+    const TakenEntries entries = readNumberEntries(file, EnvelopeFile::EntryList::object);
+    EXPECT_EQ(entries.taken, (std::vector<std::pair<std::string, int>>{{"b", 2}, {"a", 1}}));
+    EXPECT_FALSE(keptAsideAfterWrite(file, folder.dataDir()));
+}
+
+TEST(EnvelopeFileJson, ABadEntryCostsOnlyItselfButTheFileIsKeptAside) {
+    TestFolder folder;
+    writeFileBytes(folder.dataDir() + "/x.bin", R"([7,"seven",8])");
+    EnvelopeFile file(folder.dataDir(), "x.bin");
+    const TakenEntries entries = readNumberEntries(file, EnvelopeFile::EntryList::array);
+    EXPECT_EQ(entries.taken, (std::vector<std::pair<std::string, int>>{{"0", 7}, {"2", 8}}));
+    EXPECT_EQ(entries.refused, 1);
+    EXPECT_TRUE(keptAsideAfterWrite(file, folder.dataDir()));
+    EXPECT_EQ(readFileBytes(folder.dataDir() + "/x.bin.unreadable"),
+              QByteArray(R"([7,"seven",8])"));
+}
+
+TEST(EnvelopeFileJson, AnotherShapeOrNoJsonGivesNothingAndIsKeptAside) {
+    for (const QByteArray& document : {QByteArray(R"({"a":1})"), QByteArray("[1,")}) {
+        TestFolder folder;
+        writeFileBytes(folder.dataDir() + "/x.bin", document);
+        EnvelopeFile file(folder.dataDir(), "x.bin");
+        const TakenEntries entries = readNumberEntries(file, EnvelopeFile::EntryList::array);
+        EXPECT_TRUE(entries.taken.empty()) << document.toStdString();
+        EXPECT_EQ(entries.refused, 0);
+        EXPECT_TRUE(keptAsideAfterWrite(file, folder.dataDir())) << document.toStdString();
+    }
+}
+
+TEST(EnvelopeFileJson, AMissingFileReadsAsNoDocumentAndNothingIsKeptAside) {
+    TestFolder folder;
+    EnvelopeFile file(folder.dataDir(), "x.bin");
+    EXPECT_FALSE(file.readJson());
+    EXPECT_FALSE(keptAsideAfterWrite(file, folder.dataDir()));
+    EXPECT_EQ(AppCrypto::decrypt(readFileBytes(file.path())), QByteArray("[]"));
 }
 
 }  // namespace
