@@ -1,6 +1,5 @@
 #include "area_capture/annotation_overlay_controller.h"
 
-#include <QBuffer>
 #include <QChildEvent>
 #include <QCoreApplication>
 #include <QCursor>
@@ -28,6 +27,7 @@
 #include "library/capture_file_writer.h"
 #include "library/capture_service.h"
 #include "library/captures_in_flight.h"
+#include "library/png_encoding.h"
 #include "platform/platform_services.h"
 #include "platform/screen_grabber.h"
 #include "widgets/window_corners.h"
@@ -61,9 +61,8 @@ WrittenCapture writeCapture(const QImage& cut, const QVector<Annotation>& annota
     // and the shapes grow with it, as they looked over those pixels.
     result.image = renderAnnotatedImage(cut, annotations, crop, cut.devicePixelRatio());
     result.image.setDevicePixelRatio(cut.devicePixelRatio());
-    QBuffer buffer(&result.pngData);
-    if (!buffer.open(QIODevice::WriteOnly) || !result.image.save(&buffer, "PNG")) {
-        result.pngData.clear();
+    result.pngData = encodePng(result.image);
+    if (result.pngData.isEmpty()) {
         result.file.saveFolderProblem = QStringLiteral("the image could not be encoded as PNG");
         return result;
     }

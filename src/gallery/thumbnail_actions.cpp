@@ -1,18 +1,13 @@
 #include "gallery/thumbnail_actions.h"
 
-#include <QBuffer>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPainter>
-#include <QtConcurrent/QtConcurrentRun>
 
-#include "widgets/symbol_icon.h"
-#include "library/image_clipboard.h"
-#include "library/screenshot_store.h"
-#include "storage/screenshot_metadata_store.h"
 #include "gallery/thumbnail_text_dialog.h"
+#include "storage/screenshot_metadata_store.h"
+#include "widgets/symbol_icon.h"
 
 namespace {
 
@@ -21,38 +16,13 @@ namespace {
 const QColor kDestructiveTint(215, 58, 50);
 constexpr QSize kMenuIconSize(16, 16);
 
-struct LoadedImage {
-    QImage image;
-    QByteArray png;
-};
-
-// Worker thread: the file's picture and its PNG encoding; a null image when
-// the file does not decode.
-LoadedImage loadForClipboard(const QString& path) {
-    LoadedImage loaded;
-    QImageReader reader(path);
-    if (!reader.read(&loaded.image) || loaded.image.isNull()) {
-        return {};
-    }
-    QBuffer buffer(&loaded.png);
-    buffer.open(QIODevice::WriteOnly);
-    if (!loaded.image.save(&buffer, "PNG")) {
-        loaded.png.clear();
-    }
-    return loaded;
-}
-
 }  // namespace
 
 ThumbnailActions::ThumbnailActions(ScreenshotMetadataStore& metaStore, QObject* parent)
-    : QObject(parent), metaStore_(metaStore) {}
-
-ScreenshotStore& ThumbnailActions::library() const {
-    return library_ ? *library_ : ScreenshotStore::shared();
-}
+    : QObject(parent), actions_(metaStore) {}
 
 QMenu* ThumbnailActions::buildMenu(const ScreenshotItem& item, QWidget* parent) {
-    const ScreenshotMetadata record = metaStore_.recordFor(item.path());
+    const ScreenshotMetadata record = metaStore().recordFor(item.path());
     auto* menu = new QMenu(parent);
     menu->setAccessibleName(item.fileName());
     menu->setTitle(item.fileName());
@@ -99,37 +69,27 @@ QMenu* ThumbnailActions::buildMenu(const ScreenshotItem& item, QWidget* parent) 
 }
 
 void ThumbnailActions::setColorLabel(const ScreenshotItem& item, std::optional<ColorLabel> label) {
-    metaStore_.setColorLabel(label, item.path());
+    actions_.setColorLabel(item.path(), label);
 }
 
 void ThumbnailActions::editEvent(const ScreenshotItem& item) {
-    const ScreenshotMetadata record = metaStore_.recordFor(item.path());
+    const ScreenshotMetadata record = metaStore().recordFor(item.path());
     const QString message = record.event ? tr("Edit Event") : tr("Add Event");
     ThumbnailTextDialog dialog(
         {message, tr("Add a short label for this screenshot:"),
          tr("e.g. Fix issue, Design review…"), tr("Event title"), tr("Save")},
         record.event ? record.event->title : QString(), dialogParent_);
-    const std::optional<QString> title = dialog.run();
-    // An empty title keeps the event: removing it has its own entry.
-    if (title && !title->isEmpty()) {
-        metaStore_.setEvent(ScreenshotEvent{*title, QString()}, item.path());
+    if (const std::optional<QString> title = dialog.run()) {
+        actions_.setEventTitle(item.path(), *title);
     }
 }
 
 void ThumbnailActions::removeEvent(const ScreenshotItem& item) {
-    metaStore_.setEvent(std::nullopt, item.path());
+    actions_.removeEvent(item.path());
 }
 
 QFuture<bool> ThumbnailActions::copyImage(const ScreenshotItem& item) {
-    const QString path = item.path();
-    return QtConcurrent::run([path] { return loadForClipboard(path); })
-        .then(this, [](const LoadedImage& loaded) {
-            if (loaded.image.isNull()) {
-                return false;
-            }
-            putImageOnClipboard(loaded.image, loaded.png);
-            return true;
-        });
+    return CaptureActions::copyImage(item.path(), this);
 }
 
 QFuture<std::optional<CaptureRenameResult>> ThumbnailActions::rename(const ScreenshotItem& item) {
@@ -140,32 +100,28 @@ QFuture<std::optional<CaptureRenameResult>> ThumbnailActions::rename(const Scree
          tr("New name"), tr("Rename")},
         QFileInfo(path).completeBaseName(), dialogParent_);
     const std::optional<QString> typed = dialog.run();
-    const std::optional<QString> destination =
-        typed ? renamedCapturePath(path, *typed) : std::nullopt;
-    if (!destination) {
+    std::optional<QFuture<CaptureRenameResult>> move =
+        typed ? actions_.rename(path, *typed) : std::nullopt;
+    if (!move) {
         return QtFuture::makeReadyFuture(Outcome());
     }
-    // The library moves the file and rescans, and tells an open preview of
-    // it. The label and event stay filed under the old name.
-    return library()
-        .renameFile(path, *destination)
-        .then(this, [this](const CaptureRenameResult& result) {
-            if (!result.succeeded()) {
-                QMessageBox box(QMessageBox::Warning, tr("Rename failed"), tr("Rename failed"),
-                                QMessageBox::Ok, dialogParent_);
-                box.setInformativeText(result.errorMessage);
-                box.setAccessibleName(tr("Rename failed"));
-                box.setAccessibleDescription(result.errorMessage);
-                box.raise();
-                box.activateWindow();
-                box.exec();
-            }
-            return Outcome(result);
-        });
+    return move->then(this, [this](const CaptureRenameResult& result) {
+        if (!result.succeeded()) {
+            QMessageBox box(QMessageBox::Warning, tr("Rename failed"), tr("Rename failed"),
+                            QMessageBox::Ok, dialogParent_);
+            box.setInformativeText(result.errorMessage);
+            box.setAccessibleName(tr("Rename failed"));
+            box.setAccessibleDescription(result.errorMessage);
+            box.raise();
+            box.activateWindow();
+            box.exec();
+        }
+        return Outcome(result);
+    });
 }
 
 void ThumbnailActions::moveToTrash(const ScreenshotItem& item) {
-    library().moveToTrash(item);
+    actions_.moveToTrash(item);
 }
 
 QIcon ThumbnailActions::colorLabelIcon(ColorLabel label, bool current) {

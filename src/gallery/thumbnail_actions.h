@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <optional>
 
+#include "library/capture_actions.h"
 #include "library/capture_file_rename.h"
 #include "library/screenshot_item.h"
 #include "storage/color_label.h"
@@ -28,12 +29,12 @@ class ThumbnailActions : public QObject {
 public:
     explicit ThumbnailActions(ScreenshotMetadataStore& metaStore, QObject* parent = nullptr);
 
-    ScreenshotMetadataStore& metaStore() const { return metaStore_; }
+    ScreenshotMetadataStore& metaStore() const { return actions_.metaStore(); }
 
     // The screenshot library asked to trash and rescan; null means the
     // shared one (looked up on first use).
-    void setLibrary(ScreenshotStore* library) { library_ = library; }
-    ScreenshotStore& library() const;
+    void setLibrary(ScreenshotStore* library) { actions_.setLibrary(library); }
+    ScreenshotStore& library() const { return actions_.library(); }
 
     // The window the prompts are centred on and modal to; null makes them
     // application-modal windows of their own.
@@ -71,7 +72,6 @@ public:
     static QIcon colorLabelIcon(ColorLabel label, bool current);
 
 private:
-    ScreenshotMetadataStore& metaStore_;
-    ScreenshotStore* library_ = nullptr;
+    CaptureActions actions_;
     QPointer<QWidget> dialogParent_;
 };

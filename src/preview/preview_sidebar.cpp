@@ -17,10 +17,9 @@
 #include <QVariantAnimation>
 #include <cmath>
 
-#include "widgets/symbol_icon.h"
 #include "library/capture_file_rename.h"
-#include "library/screenshot_store.h"
 #include "storage/screenshot_metadata_store.h"
+#include "widgets/symbol_icon.h"
 
 namespace {
 
@@ -167,8 +166,7 @@ PreviewSidebar::PreviewSidebar(const ScreenshotItem& item, ScreenshotMetadataSto
                                ScreenshotStore& library, QWidget* parent)
     : QWidget(parent),
       item_(item),
-      metaStore_(metaStore),
-      library_(library),
+      actions_(metaStore, &library),
       currentPath_(item.path()),
       currentName_(QFileInfo(item.path()).fileName()) {
     setFixedWidth(kWidth);
@@ -176,7 +174,8 @@ PreviewSidebar::PreviewSidebar(const ScreenshotItem& item, ScreenshotMetadataSto
     build();
     refreshSymbols();
     refresh();
-    connect(&metaStore_, &ScreenshotMetadataStore::metadataChanged, this, &PreviewSidebar::refresh);
+    connect(&actions_.metaStore(), &ScreenshotMetadataStore::metadataChanged, this,
+            &PreviewSidebar::refresh);
 }
 
 QString PreviewSidebar::fileSizeText(qint64 bytes) {
@@ -195,7 +194,7 @@ QString PreviewSidebar::fileSizeText(qint64 bytes) {
 }
 
 ScreenshotMetadata PreviewSidebar::metadata() const {
-    return metaStore_.recordFor(currentPath_);
+    return actions_.metaStore().recordFor(currentPath_);
 }
 
 QAbstractButton* PreviewSidebar::swatch(ColorLabel label) const {
@@ -312,7 +311,7 @@ void PreviewSidebar::build() {
     connect(editEventButton_, &QToolButton::clicked, this, &PreviewSidebar::openEventEditor);
     connect(addEventButton_, &QToolButton::clicked, this, &PreviewSidebar::openEventEditor);
     connect(removeEventButton_, &QToolButton::clicked, this,
-            [this] { metaStore_.setEvent(std::nullopt, currentPath_); });
+            [this] { actions_.removeEvent(currentPath_); });
     connect(eventConfirm_, &QToolButton::clicked, this, &PreviewSidebar::confirmEvent);
     connect(eventField_, &QLineEdit::returnPressed, this, &PreviewSidebar::confirmEvent);
     connect(eventCancel_, &QToolButton::clicked, this, &PreviewSidebar::closeEventEditor);
@@ -328,7 +327,7 @@ void PreviewSidebar::build() {
     }
     clearColor_ = new LabelSwatchButton(std::nullopt, swatchRow);
     connect(clearColor_, &QAbstractButton::clicked, this,
-            [this] { metaStore_.setColorLabel(std::nullopt, currentPath_); });
+            [this] { actions_.setColorLabel(currentPath_, std::nullopt); });
     layout->addWidget(clearColor_);
     layout->addStretch(1);
     column->addWidget(swatchRow);
@@ -410,26 +409,26 @@ void PreviewSidebar::confirmName() {
     if (!editingName_ || renaming_) {
         return;
     }
-    const std::optional<QString> target = renamedCapturePath(currentPath_, nameField_->text());
-    if (!target) {
+    std::optional<QFuture<CaptureRenameResult>> move =
+        actions_.rename(currentPath_, nameField_->text());
+    if (!move) {
         closeNameEditor();
         return;
     }
     renaming_ = true;
     // The library announces the move, and the preview follows it through
     // followRename, before this continuation runs.
-    library_.renameFile(currentPath_, *target)
-        .then(this, [this](const CaptureRenameResult& result) {
-            renaming_ = false;
-            if (!result.succeeded()) {
-                renameError_ = result.errorMessage;
-                refresh();
-                return;
-            }
-            renameError_.reset();
-            editingName_ = false;
+    move->then(this, [this](const CaptureRenameResult& result) {
+        renaming_ = false;
+        if (!result.succeeded()) {
+            renameError_ = result.errorMessage;
             refresh();
-        });
+            return;
+        }
+        renameError_.reset();
+        editingName_ = false;
+        refresh();
+    });
 }
 
 void PreviewSidebar::followRename(const QString& newPath) {
@@ -457,11 +456,8 @@ void PreviewSidebar::confirmEvent() {
     if (!editingEvent_) {
         return;
     }
-    const QString title = eventField_->text().trimmed();
     editingEvent_ = false;
-    if (!title.isEmpty()) {
-        metaStore_.setEvent(ScreenshotEvent{title, QString()}, currentPath_);
-    }
+    actions_.setEventTitle(currentPath_, eventField_->text());
     refresh();
 }
 
@@ -471,9 +467,7 @@ void PreviewSidebar::closeEventEditor() {
 }
 
 void PreviewSidebar::tapSwatch(ColorLabel label) {
-    const bool isCurrent = metadata().colorLabel == label;
-    metaStore_.setColorLabel(isCurrent ? std::nullopt : std::optional<ColorLabel>(label),
-                             currentPath_);
+    actions_.toggleColorLabel(currentPath_, label);
 }
 
 void PreviewSidebar::paintEvent(QPaintEvent*) {

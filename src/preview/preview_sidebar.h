@@ -5,6 +5,7 @@
 #include <array>
 #include <optional>
 
+#include "library/capture_actions.h"
 #include "library/screenshot_item.h"
 #include "storage/color_label.h"
 #include "storage/screenshot_metadata.h"
@@ -88,8 +89,7 @@ private:
     void tapSwatch(ColorLabel label);
 
     ScreenshotItem item_;
-    ScreenshotMetadataStore& metaStore_;
-    ScreenshotStore& library_;
+    CaptureActions actions_;
     QString currentPath_;
     QString currentName_;
     bool editingName_ = false;

@@ -1,12 +1,10 @@
 #include "preview/screenshot_preview_view.h"
 
 #include <QApplication>
-#include <QBuffer>
 #include <QFileInfo>
 #include <QFuture>
 #include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
-#include <QImageReader>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -19,13 +17,15 @@
 
 #include "annotation/annotation_canvas_view.h"
 #include "annotation/annotation_sidebar.h"
+#include "library/capture_file_writer.h"
+#include "library/capture_image_loader.h"
+#include "library/capture_registry.h"
+#include "library/image_allocation_limit.h"
+#include "library/png_encoding.h"
+#include "library/screenshot_store.h"
 #include "preview/preview_image_space.h"
 #include "preview/preview_sidebar.h"
 #include "preview/video_player_view.h"
-#include "library/capture_file_writer.h"
-#include "library/capture_registry.h"
-#include "library/image_allocation_limit.h"
-#include "library/screenshot_store.h"
 
 namespace {
 
@@ -70,38 +70,19 @@ QImage displayCopy(const QImage& image) {
                         Qt::SmoothTransformation);
 }
 
-// The picture read with its orientation applied, the format decided by the
-// content (a rewritten file keeps its old extension); null when unreadable.
-// A picture too large for the memory the program allows for one image
-// comes back null with a note saying so.
+// The picture read for showing; null with a note when it is too large for
+// the memory the program allows for one image, null alone when unreadable.
 ReadPicture readPicture(const QString& path) {
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    reader.setDecideFormatFromContent(true);
-    const QSize size = reader.size();
+    const LoadedCaptureImage loaded = loadCaptureImage(path);
     ReadPicture picture;
-    picture.image = reader.read();
-    if (picture.image.isNull()) {
-        const qint64 bytes = qint64(size.width()) * size.height() * 4;
-        if (size.isValid() && bytes > qint64(QImageReader::allocationLimit()) * 1024 * 1024) {
-            picture.message = QStringLiteral("This picture is too large to show (%1 × %2 pixels).")
-                                  .arg(size.width())
-                                  .arg(size.height());
-        }
-        return picture;
+    if (loaded.status == CaptureImageStatus::tooLarge) {
+        picture.message = QStringLiteral("This picture is too large to show (%1 × %2 pixels).")
+                              .arg(loaded.statedSize.width())
+                              .arg(loaded.statedSize.height());
     }
+    picture.image = loaded.image;
     picture.display = displayCopy(picture.image);
     return picture;
-}
-
-// The PNG encoding of `image`; empty when it fails.
-QByteArray encodePng(const QImage& image) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    if (image.isNull() || !buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG")) {
-        return {};
-    }
-    return bytes;
 }
 
 Qt::KeyboardModifiers significantModifiers(const QKeyEvent* key) {
