@@ -277,13 +277,24 @@ void AppDelegate::openPreview(const ScreenshotItem& item) {
     ScreenshotPreviewWindowController::show(item);
 }
 
-void AppDelegate::openNotifiedCapture(const QString& fileName) {
-    for (const ScreenshotItem& item : ScreenshotStore::shared().screenshots()) {
-        if (item.fileName() == fileName) {
-            QTimer::singleShot(0, this, [item] { openPreview(item); });
-            return;
+void AppDelegate::openNotifiedCapture(const QString& path) {
+    const QFileInfo file(path);
+    if (!file.isFile()) {
+        return;  // moved or deleted since
+    }
+    // A click right after the notification shows may come before the
+    // library has listed the capture: it opens all the same, from its file.
+    const QDateTime created = file.birthTime();
+    ScreenshotItem item(file.absoluteFilePath(),
+                        created.isValid() ? created : ScreenshotItem::distantPast(),
+                        file.lastModified());
+    for (const ScreenshotItem& listed : ScreenshotStore::shared().screenshots()) {
+        if (QFileInfo(listed.path()) == file) {
+            item = listed;
+            break;
         }
     }
+    QTimer::singleShot(0, this, [item] { openPreview(item); });
 }
 
 void AppDelegate::showHUD() {

@@ -62,7 +62,7 @@ private:
     void runCleanUpAtLaunch();
     void setUpHotkeys();
     void setUpNotifications();
-    void openNotifiedCapture(const QString& fileName);
+    void openNotifiedCapture(const QString& path);
     static void openPreview(const ScreenshotItem& item);
 
     std::unique_ptr<QSystemTrayIcon> statusItem_;

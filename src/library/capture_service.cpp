@@ -191,8 +191,7 @@ void CaptureService::followUp(const QString& path, const QImage& image, const QB
         dependencies_.library.refresh();
     }
     dependencies_.sounds.play(QStringLiteral("camera-shutter"));
-    postNotification(QStringLiteral("Screenshot saved"), notificationBody, image,
-                     QFileInfo(path).fileName());
+    postNotification(QStringLiteral("Screenshot saved"), notificationBody, image, path);
     Q_EMIT captureFinished(path);
 }
 

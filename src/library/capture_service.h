@@ -78,7 +78,7 @@ Q_SIGNALS:
 private:
     void followUp(const QString& path, const QImage& image, const QByteArray& pngData,
                   const QString& notificationBody, bool inFallbackFolder);
-    // `subject` is what a click on the notification reports: the capture's file name.
+    // `subject` is what a click on the notification reports: the capture's path.
     void postNotification(const QString& summary, const QString& body, const QImage& image,
                           const QString& subject = {});
 

@@ -15,7 +15,7 @@ public:
 
     // Posts at once: app name "Quillix", `summary`, `body`; `imagePath` (may be empty) is shown as
     // the notification's image; a "default" action makes a click count. `subject` is what a
-    // click reports (the body when empty): a capture's file name even when the body explains
+    // click reports (the body when empty): a capture's path even when the body explains
     // where the capture went. Never blocks the GUI thread.
     virtual void post(const QString& summary, const QString& body, const QString& imagePath,
                       const QString& subject = {}) = 0;
