@@ -118,7 +118,9 @@ class UnwritableSaveFolder(Session):
         self.assertIn("⚠️ Quillix: ", log)
         self.assertIn(first, log)
 
-        # So does an area capture.
+        # So does an area capture (its notification alone on screen, to be
+        # clicked below).
+        subprocess.run(["dunstctl", "close-all"], check=True)
         self.area_capture(300, 200, 120, 80)
         second = wait_until(lambda: [path for path in captures_in(pictures) if path != first],
                             what="the area capture in Pictures")[0]
