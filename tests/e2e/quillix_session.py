@@ -5,6 +5,7 @@ reads its log from a file (never from a pipe) and stops it by PID.
 """
 import hashlib
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -173,8 +174,10 @@ def xdotool(*arguments):
 
 
 def viewable_windows(name):
-    """Ids of the viewable windows whose title is exactly `name`."""
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{name}$"],
+    """Ids of the viewable windows whose title is exactly `name` (taken
+    literally: a capture's "(2)" is no regular-expression group)."""
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name",
+                            f"^{re.escape(name)}$"],
                            capture_output=True, text=True).stdout.split()
     return found
 
