@@ -117,8 +117,7 @@ QFuture<bool> rewriteCapture(const QString& path, std::function<QByteArray()> pr
     const CaptureInFlightToken inFlight = startCaptureInFlight();
     return QtConcurrent::run([path, produce = std::move(produceBytes)] {
                RewriteOutcome outcome;
-               // The inode before the rewrite decides the status; the registry
-               // never forgets an inode, so asking it afterwards is the same.
+               // The inode before the rewrite decides the status.
                outcome.previousInode = inodeOf(path);
                const QByteArray bytes = produce();
                outcome.written =
@@ -126,9 +125,8 @@ QFuture<bool> rewriteCapture(const QString& path, std::function<QByteArray()> pr
                return outcome;
            })
         .then(context, [path, &registry, inFlight](const RewriteOutcome& outcome) {
-            if (outcome.written && outcome.previousInode &&
-                registry.contains(*outcome.previousInode)) {
-                registry.record(path);
+            if (outcome.written && outcome.previousInode) {
+                registry.moveRecord(*outcome.previousInode, path);
             }
             return outcome.written;
         });

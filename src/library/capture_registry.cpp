@@ -44,6 +44,17 @@ void CaptureRegistry::record(const QString& filePath) {
     save();
 }
 
+void CaptureRegistry::moveRecord(quint64 previousInode, const QString& filePath) {
+    struct stat status {};
+    if (!capturedInodes_.contains(previousInode) ||
+        ::stat(QFile::encodeName(filePath).constData(), &status) != 0) {
+        return;
+    }
+    capturedInodes_.erase(previousInode);
+    capturedInodes_.insert(static_cast<quint64>(status.st_ino));
+    save();
+}
+
 void CaptureRegistry::save() {
     nlohmann::ordered_json json = nlohmann::ordered_json::array();
     for (quint64 inode : capturedInodes_) {

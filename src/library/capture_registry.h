@@ -10,7 +10,7 @@
 // capture stays "ours" after it is renamed or moved within its volume while a
 // copy of it does not. Kept in the sealed registry.bin as a JSON array of
 // numbers. One shared instance, confined to the GUI thread; entries are never
-// pruned.
+// pruned, only moved along when a capture is rewritten.
 class CaptureRegistry {
 public:
     static CaptureRegistry& shared();
@@ -26,6 +26,11 @@ public:
     // Adds the inode of the file at `filePath` and saves; a file that cannot
     // be stat'ed is not recorded.
     void record(const QString& filePath);
+    // A capture rewritten through a new file: its record moves from
+    // `previousInode` to the file's new inode, so that the freed number,
+    // which the file system hands out again, cannot make a stranger's file
+    // ours. Nothing happens when `previousInode` is not ours.
+    void moveRecord(quint64 previousInode, const QString& filePath);
 
     bool contains(quint64 inode) const { return capturedInodes_.contains(inode); }
 

@@ -144,6 +144,7 @@ TEST(CaptureFileWriter, ARewriteKeepsAnOwnCaptureOwnAndOnlyThat) {
     CaptureRegistry registry(folder.dataDir(), folder.legacyDir());
     registry.record(own);
     const quint64 otherInode = inodeOf(other);
+    const quint64 ownInodeBefore = inodeOf(own);
     QObject context;
 
     EXPECT_TRUE(waitFor(rewriteCapture(
@@ -151,6 +152,9 @@ TEST(CaptureFileWriter, ARewriteKeepsAnOwnCaptureOwnAndOnlyThat) {
     EXPECT_EQ(readFileBytes(own), QByteArray("new own"));
     EXPECT_EQ(permissionBits(own), 0640u);
     EXPECT_TRUE(registry.contains(inodeOf(own)));
+    // The freed number goes with the old file: the file system hands it out
+    // again, and a stranger's file must not become ours by it.
+    EXPECT_FALSE(registry.contains(ownInodeBefore));
     EXPECT_TRUE(CaptureRegistry(folder.dataDir(), folder.legacyDir()).contains(inodeOf(own)))
         << "saved, not only remembered";
 
