@@ -51,7 +51,7 @@ AppDelegate::~AppDelegate() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-    buildStatusItem();
+    buildTrayIcon();
     buildPopover();
     if (!UserDefaults::shared().hasSeenOnboarding()) {
         qCInfo(lcApp).noquote()
@@ -65,13 +65,13 @@ void AppDelegate::applicationDidFinishLaunching() {
     QTimer::singleShot(0, this, [] { AnnotationOverlayController::warmUp(); });
 }
 
-void AppDelegate::buildStatusItem() {
-    statusItem_ = std::make_unique<QSystemTrayIcon>(BarIcon::builtIn());
-    statusItem_->setToolTip(QStringLiteral("Quillix"));
+void AppDelegate::buildTrayIcon() {
+    trayIcon_ = std::make_unique<QSystemTrayIcon>(BarIcon::builtIn());
+    trayIcon_->setToolTip(QStringLiteral("Quillix"));
     // The icon is drawn in the palette's text colour: a new palette (a
     // changed desktop theme) redraws it.
     qApp->installEventFilter(this);
-    connect(statusItem_.get(), &QSystemTrayIcon::activated, this,
+    connect(trayIcon_.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 // Two quick clicks report the second as a double click: it
                 // still toggles, so open-then-close works at any speed.
@@ -79,7 +79,7 @@ void AppDelegate::buildStatusItem() {
                     togglePopover();
                 }
             });
-    statusItem_->show();
+    trayIcon_->show();
 }
 
 void AppDelegate::buildPopover() {
@@ -108,11 +108,11 @@ void AppDelegate::buildPopover() {
 
 void AppDelegate::applyCustomBarIcon(const QString& imagePath) {
     customIconPath_ = imagePath;
-    statusItem_->setIcon(BarIcon::fromFile(imagePath).value_or(BarIcon::builtIn()));
+    trayIcon_->setIcon(BarIcon::fromFile(imagePath).value_or(BarIcon::builtIn()));
 }
 
 bool AppDelegate::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && statusItem_) {
+    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange && trayIcon_) {
         applyCustomBarIcon(customIconPath_);
     }
     return QObject::eventFilter(watched, event);
@@ -136,17 +136,17 @@ void AppDelegate::togglePopover() {
 }
 
 void AppDelegate::showPopover() {
-    const QRect trayIcon = statusItem_->geometry();
-    const QPoint anchor = trayIcon.isEmpty() ? QCursor::pos() : trayIcon.center();
+    const QRect iconFrame = trayIcon_->geometry();
+    const QPoint anchor = iconFrame.isEmpty() ? QCursor::pos() : iconFrame.center();
     const QRect available = screenAt(anchor)->availableGeometry();
-    popover_->setGeometry(PopoverPlacement::popoverFrame(trayIcon, QCursor::pos(), available));
+    popover_->setGeometry(PopoverPlacement::popoverFrame(iconFrame, QCursor::pos(), available));
     popover_->show();
     popover_->raise();
     popover_->activateWindow();
 }
 
 void AppDelegate::showPillPanel() {
-    orderOutPill();
+    hidePill();
     const QRect popoverFrame = popover_->geometry();
     QScreen* screen = screenAt(popoverFrame.center());
     FooterPillView::Actions actions;
@@ -168,7 +168,7 @@ void AppDelegate::showPillPanel() {
     pillPanel_->showFadingIn();
 }
 
-void AppDelegate::orderOutPill() {
+void AppDelegate::hidePill() {
     pillPanel_.reset();
 }
 
@@ -176,12 +176,12 @@ void AppDelegate::handleClosePopover() {
     if (popover_) {
         popover_->hide();  // popoverDidClose does the rest
     }
-    orderOutPill();
+    hidePill();
     removeClickMonitor();
 }
 
 void AppDelegate::popoverDidClose() {
-    orderOutPill();
+    hidePill();
     removeClickMonitor();
 }
 
@@ -217,7 +217,7 @@ void AppDelegate::closeOutsideClick(const QPoint& globalPosition, bool onOwnWind
     const bool inPill = pillPanel_ && pillPanel_->frameGeometry().contains(globalPosition);
     // A press on the tray icon is left to the icon's own click, which toggles
     // the popover; closing here too would let that click open it again.
-    const bool onTrayIcon = statusItem_ && statusItem_->geometry().contains(globalPosition);
+    const bool onTrayIcon = trayIcon_ && trayIcon_->geometry().contains(globalPosition);
     if (!inPopover && !inPill && !onTrayIcon) {
         handleClosePopover();
     }

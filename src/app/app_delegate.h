@@ -45,12 +45,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void buildStatusItem();
+    void buildTrayIcon();
     void buildPopover();
     void applyCustomBarIcon(const QString& imagePath);
     void showPopover();
     void showPillPanel();
-    void orderOutPill();
+    void hidePill();
     void popoverDidClose();
     void installClickMonitor();
     void removeClickMonitor();
@@ -65,7 +65,7 @@ private:
     void openNotifiedCapture(const QString& path);
     static void openPreview(const ScreenshotItem& item);
 
-    std::unique_ptr<QSystemTrayIcon> statusItem_;
+    std::unique_ptr<QSystemTrayIcon> trayIcon_;
     QString customIconPath_;
     std::unique_ptr<PopoverWindow> popover_;
     QPointer<MenuBarView> gallery_;  // the popover's content
