@@ -37,10 +37,10 @@ QRectF spannedRect(const QPointF& a, const QPointF& b) {
 // The end moved onto the nearest multiple of 45° around the start, keeping
 // the arrow's length (halfway angles round away from zero).
 QPointF snappedArrowEnd(const QPointF& start, const QPointF& end) {
-    constexpr qreal step = std::numbers::pi / 4.0;
+    constexpr qreal kStep = std::numbers::pi / 4.0;
     const QPointF delta = end - start;
     const qreal angle = std::atan2(delta.y(), delta.x());
-    const qreal snapped = std::round(angle / step) * step;
+    const qreal snapped = std::round(angle / kStep) * kStep;
     const qreal length = std::hypot(delta.x(), delta.y());
     return start + length * QPointF(std::cos(snapped), std::sin(snapped));
 }

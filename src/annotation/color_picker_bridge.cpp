@@ -7,7 +7,7 @@
 ColorPickerBridge& ColorPickerBridge::shared() {
     // Never destroyed: the dialog may outlive every window, and it must not
     // be torn down after the application object.
-    static ColorPickerBridge* const instance = new ColorPickerBridge;
+    static auto* const instance = new ColorPickerBridge;
     return *instance;
 }
 

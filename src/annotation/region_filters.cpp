@@ -15,19 +15,19 @@ constexpr int kChannels = 4;
 // standard deviation `sigma` (the widths are odd, as close to the ideal as
 // possible, and chosen so the summed variance matches sigma²).
 std::array<int, 3> boxRadiiForGaussian(qreal sigma) {
-    constexpr int passes = 3;
-    const qreal idealWidth = std::sqrt(12.0 * sigma * sigma / passes + 1.0);
+    constexpr int kPasses = 3;
+    const qreal idealWidth = std::sqrt(12.0 * sigma * sigma / kPasses + 1.0);
     int lower = static_cast<int>(std::floor(idealWidth));
     if (lower % 2 == 0) {
         --lower;
     }
     const int upper = lower + 2;
     const qreal idealLowerCount =
-        (12.0 * sigma * sigma - passes * lower * lower - 4.0 * passes * lower - 3.0 * passes) /
+        (12.0 * sigma * sigma - kPasses * lower * lower - 4.0 * kPasses * lower - 3.0 * kPasses) /
         (-4.0 * lower - 4.0);
     const int lowerCount = static_cast<int>(std::lround(idealLowerCount));
     std::array<int, 3> radii{};
-    for (int i = 0; i < passes; ++i) {
+    for (int i = 0; i < kPasses; ++i) {
         radii[i] = ((i < lowerCount ? lower : upper) - 1) / 2;
     }
     return radii;

@@ -31,10 +31,10 @@ bool fitsUnsigned32(qint64 value) {
 
 // What a grab sees of a binding: its key and the four known modifiers.
 bool sameCombination(const HotkeyBinding& first, const HotkeyBinding& second) {
-    constexpr qint64 known = KeyModifiers::kSuper | KeyModifiers::kShift |
+    constexpr qint64 kKnown = KeyModifiers::kSuper | KeyModifiers::kShift |
                              KeyModifiers::kAlt | KeyModifiers::kControl;
     return first.keyCode == second.keyCode &&
-           (first.modifiers & known) == (second.modifiers & known);
+           (first.modifiers & kKnown) == (second.modifiers & kKnown);
 }
 
 }  // namespace

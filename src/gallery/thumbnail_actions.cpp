@@ -94,7 +94,9 @@ QFuture<bool> ThumbnailActions::copyImage(const ScreenshotItem& item) {
 
 QFuture<std::optional<CaptureRenameResult>> ThumbnailActions::rename(const ScreenshotItem& item) {
     using Outcome = std::optional<CaptureRenameResult>;
-    const QString path = item.path();
+    // A copy: the dialog runs its own event loop, during which the item's
+    // row may be replaced.
+    const QString path = item.path();  // NOLINT(performance-unnecessary-copy-initialization)
     ThumbnailTextDialog dialog(
         {tr("Rename Screenshot"), tr("Enter a new name (without extension):"), QString(),
          tr("New name"), tr("Rename")},

@@ -1,7 +1,7 @@
 #include "library/capture_file_rename.h"
 
 #include <fcntl.h>
-#include <stdio.h>
+#include <cstdio>
 
 #include <QDir>
 #include <QFile>

@@ -36,7 +36,7 @@ std::optional<quint64> inodeOf(const QString& path) {
 QString writeUnderFreeName(const QByteArray& bytes, const QString& folder, const QString& fileName,
                            QString* problem) {
     for (int number = 1; number <= kMaxNumberedNames; ++number) {
-        const QString path = QDir(folder).filePath(numberedCaptureName(fileName, number));
+        QString path = QDir(folder).filePath(numberedCaptureName(fileName, number));
         if (writeFileAtomically(path, bytes, AtomicWriteMode::neverReplace)) {
             return path;
         }

@@ -13,7 +13,7 @@ constexpr auto kFileName = "registry.bin";
 }  // namespace
 
 CaptureRegistry& CaptureRegistry::shared() {
-    static CaptureRegistry* instance = new CaptureRegistry(dataDirectory(), legacyDataDirectory());
+    static auto* instance = new CaptureRegistry(dataDirectory(), legacyDataDirectory());
     return *instance;
 }
 

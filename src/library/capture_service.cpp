@@ -63,7 +63,7 @@ QString whyNotInSaveFolder(const NewCaptureFile& file) {
 }  // namespace
 
 CaptureService& CaptureService::shared() {
-    static CaptureService* service = new CaptureService(Dependencies{
+    static auto* service = new CaptureService(Dependencies{
         CaptureRegistry::shared(),
         ScreenshotStore::shared(),
         UserDefaults::shared(),

@@ -104,7 +104,7 @@ void collectCaptureFiles(const QString& folder, bool onlyOwnCaptures,
 }  // namespace
 
 ScreenshotStore& ScreenshotStore::shared() {
-    static ScreenshotStore* instance = new ScreenshotStore(
+    static auto* instance = new ScreenshotStore(
         QStandardPaths::writableLocation(QStandardPaths::DesktopLocation),
         QStandardPaths::writableLocation(QStandardPaths::PicturesLocation) +
             QStringLiteral("/Screenshots"),
@@ -305,13 +305,14 @@ void ScreenshotStore::insertAtFront(const ScreenshotItem& item, qint64 fileSize)
 
 void ScreenshotStore::moveToTrash(const ScreenshotItem& item) {
     // Copies: `item` may be an element of the list edited below.
-    const QString id = item.id();
+    const QString id = item.id();  // NOLINT(performance-unnecessary-copy-initialization)
     trashFiles({item.path()});
     removeWhere([&id](const ScreenshotItem& listed) { return listed.id() == id; });
 }
 
 void ScreenshotStore::removeFromList(const ScreenshotItem& item) {
-    const QString id = item.id();
+    // A copy: `item` may be an element of the list edited below.
+    const QString id = item.id();  // NOLINT(performance-unnecessary-copy-initialization)
     removeWhere([&id](const ScreenshotItem& listed) { return listed.id() == id; });
 }
 

@@ -72,7 +72,7 @@ pid_t writerOf(const QString& path) {
 }  // namespace
 
 NotificationAttachments& NotificationAttachments::shared() {
-    static NotificationAttachments* attachments = new NotificationAttachments();
+    static auto* attachments = new NotificationAttachments();
     return *attachments;
 }
 
@@ -81,7 +81,7 @@ QString NotificationAttachments::write(const QImage& image) {
     if (image.isNull() || folder.isEmpty()) {
         return {};
     }
-    const QString path = QDir(folder).filePath(
+    QString path = QDir(folder).filePath(
         QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper() + QStringLiteral(".png"));
     {
         // Known before it exists, so that removeAll() during the write

@@ -36,7 +36,7 @@ std::unique_ptr<KeyboardLayout> makeKeyboardLayout(xcb_connection_t* connection)
 }  // namespace
 
 PlatformServices& PlatformServices::instance() {
-    static PlatformServices* services = new PlatformServices();
+    static auto* services = new PlatformServices();
     return *services;
 }
 

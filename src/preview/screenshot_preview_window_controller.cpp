@@ -195,8 +195,8 @@ void ScreenshotPreviewWindowController::requestClose() {
     });
 }
 
-void ScreenshotPreviewWindowController::askAboutUnsavedChanges(Reason reason,
-                                                               std::function<void(bool)> done) {
+void ScreenshotPreviewWindowController::askAboutUnsavedChanges(
+    Reason reason, const std::function<void(bool)>& done) {
     const QString name = view_->item().fileName();
     auto* box = new QMessageBox(window_);
     box->setAttribute(Qt::WA_DeleteOnClose);

@@ -90,7 +90,7 @@ private:
     void requestClose();
     // Asks what to do with the unsaved annotations; `done` learns whether
     // the caller may go on (saved or discarded) or not (cancelled, failed).
-    void askAboutUnsavedChanges(Reason reason, std::function<void(bool)> done);
+    void askAboutUnsavedChanges(Reason reason, const std::function<void(bool)>& done);
     void saveThen(const std::function<void(bool)>& done);
     void followTrash();
     void fadeIn();

@@ -1,7 +1,7 @@
 #include "storage/atomic_file.h"
 
 #include <fcntl.h>
-#include <stdio.h>
+#include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
 

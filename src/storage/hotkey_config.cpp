@@ -29,17 +29,17 @@ const char* jsonKey(HotkeyAction action) {
 }
 
 HotkeyConfig HotkeyConfig::defaults() {
-    constexpr qint64 command = KeyModifiers::kSuper;
-    constexpr qint64 shiftCommand = KeyModifiers::kShift | KeyModifiers::kSuper;
+    constexpr qint64 kSuper = KeyModifiers::kSuper;
+    constexpr qint64 kShiftSuper = KeyModifiers::kShift | KeyModifiers::kSuper;
     HotkeyConfig config;
     config.bindings_ = {{
-        {18, shiftCommand},  // openMenu: ⇧⌘1
-        {19, shiftCommand},  // showHUD: ⇧⌘2
-        {19, command},       // captureArea: ⌘2
-        {20, command},       // captureWindow: ⌘3
-        {21, command},       // captureScreen: ⌘4
-        {22, command},       // recordWindow: ⌘6
-        {26, command},       // recordScreen: ⌘7
+        {18, kShiftSuper},  // openMenu: ⇧⌘1
+        {19, kShiftSuper},  // showHUD: ⇧⌘2
+        {19, kSuper},       // captureArea: ⌘2
+        {20, kSuper},       // captureWindow: ⌘3
+        {21, kSuper},       // captureScreen: ⌘4
+        {22, kSuper},       // recordWindow: ⌘6
+        {26, kSuper},       // recordScreen: ⌘7
     }};
     return config;
 }

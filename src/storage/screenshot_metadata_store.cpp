@@ -5,7 +5,7 @@
 #include "storage/json_codec.h"
 
 ScreenshotMetadataStore& ScreenshotMetadataStore::shared() {
-    static ScreenshotMetadataStore* instance = new ScreenshotMetadataStore(dataDirectory());
+    static auto* instance = new ScreenshotMetadataStore(dataDirectory());
     return *instance;
 }
 

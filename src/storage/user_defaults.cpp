@@ -35,7 +35,7 @@ QString resolvedAgainstHome(const QString& folder) {
 }  // namespace
 
 UserDefaults& UserDefaults::shared() {
-    static UserDefaults* instance = new UserDefaults(defaultsFilePath());
+    static auto* instance = new UserDefaults(defaultsFilePath());
     return *instance;
 }
 

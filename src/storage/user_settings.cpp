@@ -47,7 +47,7 @@ std::optional<SettingsData> decodeSettingsData(const nlohmann::ordered_json& jso
 }  // namespace
 
 UserSettings& UserSettings::shared() {
-    static UserSettings* instance = new UserSettings(dataDirectory(), legacyDataDirectory());
+    static auto* instance = new UserSettings(dataDirectory(), legacyDataDirectory());
     return *instance;
 }
 

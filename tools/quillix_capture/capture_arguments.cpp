@@ -70,7 +70,7 @@ ParsedCaptureArguments parseCaptureArguments(const QStringList& arguments) {
                                   : QStringLiteral("option -R needs X,Y,W,H"));
                 continue;
             }
-            const QString value = arguments.at(++i);
+            const QString& value = arguments.at(++i);
             if (argument == QLatin1String("-l")) {
                 const std::optional<std::uint32_t> id = parseWindowId(value);
                 if (!id) {

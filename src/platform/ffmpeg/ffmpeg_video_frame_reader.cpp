@@ -220,7 +220,7 @@ QImage FfmpegVideoFrameReader::firstFrame(const QString& path, int maxSide) cons
     if (!decoder || !frame || !decodeFirstFrame(*input, streamIndex, *decoder, *frame)) {
         return {};
     }
-    const QImage image = scaleToImage(*frame, maxSide);
+    QImage image = scaleToImage(*frame, maxSide);
     const int rotation = uprightRotation(stream, *frame);
     if (image.isNull() || rotation == 0) {
         return image;
