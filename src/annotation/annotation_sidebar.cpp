@@ -1,130 +1,89 @@
 #include "annotation/annotation_sidebar.h"
 
+#include <QBoxLayout>
 #include <QEvent>
 #include <QPainter>
-#include <QVBoxLayout>
 
-#include "annotation/annotation_toolbar.h"
-#include "annotation/color_picker_bridge.h"
+#include "annotation/tool_palette.h"
+#include "widgets/widget_style.h"
+
+using widget_style::withAlpha;
 
 namespace {
 
-constexpr int kColumnSpacing = 4;
-constexpr int kColumnVerticalPadding = 10;
-constexpr int kColumnHorizontalPadding = 7;
-constexpr int kSwatchDiameter = 20;
-
-QColor withOpacity(QColor color, qreal opacity) {
-    color.setAlphaF(static_cast<float>(color.alphaF() * opacity));
-    return color;
+PaletteButtonLook sidebarButtonLook(const QColor& primary) {
+    return PaletteButtonLook{
+        .frame = QSize(28, 28),
+        .base = primary,
+        .activeOpacity = 1.0,
+        .hoveredOpacity = 0.7,
+        .idleOpacity = 0.35,
+        .activeFill = 0.12,
+        .hoveredFill = 0.06,
+    };
 }
 
-PaletteButtonLook sidebarLook(const QColor& primary) {
-    PaletteButtonLook look;
-    look.frame = QSize(28, 28);
-    look.base = primary;
-    look.activeOpacity = 1.0;
-    look.hoveredOpacity = 0.7;
-    look.idleOpacity = 0.35;
-    look.activeFill = 0.12;
-    look.hoveredFill = 0.06;
+QColor swatchRing(const QColor& primary) {
+    return withAlpha(primary, 0.2);
+}
+
+// One column of symbols in the window's text colour, its groups simply
+// stacked.
+ToolPaletteLook sidebarLook(const QColor& primary) {
+    ToolPaletteLook look;
+    look.orientation = Qt::Vertical;
+    look.buttons = sidebarButtonLook(primary);
+    look.spacing = 4;
+    look.margins = QMargins(7, 10, 7, 10);
+    look.swatchDiameter = 20;
+    look.swatchRing = swatchRing(primary);
+    look.swatchLabel = QStringLiteral("Stroke color");
     return look;
 }
 
 }  // namespace
 
-AnnotationSidebar::AnnotationSidebar(AnnotationState* state, QWidget* parent)
-    : QWidget(parent), state_(state) {
+AnnotationSidebar::AnnotationSidebar(AnnotationState* state, QWidget* parent) : QWidget(parent) {
     setFixedWidth(kWidth);
     setAccessibleName(QStringLiteral("Annotation tools"));
-    buildColumn();
-    if (state_) {
-        connect(state_, &AnnotationState::activeToolChanged, this,
-                &AnnotationSidebar::showActiveTool);
-        connect(state_, &AnnotationState::drawingEnabledChanged, this,
-                &AnnotationSidebar::showActiveTool);
-        connect(state_, &AnnotationState::currentColorChanged, swatch_,
-                &ColorSwatchButton::setColor);
-    }
-    showActiveTool();
+    tools_ = new ToolPalette(state, sidebarLook(widget_style::primary(palette())), this);
+    connect(tools_->undoButton(), &QAbstractButton::clicked, this, [this] {
+        if (AnnotationState* document = tools_->state()) {
+            document->undo();
+        }
+    });
+    save_ = tools_->addActionButton(QStringLiteral("checkmark"), QStringLiteral("Save"),
+                                    QStringLiteral("Ctrl+S"));
+    connect(save_, &QAbstractButton::clicked, this, &AnnotationSidebar::saveRequested);
+    tools_->layout()->addStretch(1);
 }
 
-void AnnotationSidebar::buildColumn() {
-    auto* column = new QVBoxLayout(this);
-    column->setSpacing(kColumnSpacing);
-    column->setContentsMargins(kColumnHorizontalPadding, kColumnVerticalPadding,
-                               kColumnHorizontalPadding, kColumnVerticalPadding);
-    const PaletteButtonLook look = sidebarLook(palette().color(QPalette::WindowText));
-
-    for (const AnnotationTool tool : kAllAnnotationTools) {
-        auto* button = new PaletteToolButton(paletteIconName(tool), paletteLabel(tool), look, this);
-        button->setToolTip(paletteToolTip(paletteLabel(tool), annotationToolKeyName(tool)));
-        connect(button, &QAbstractButton::clicked, this, [this, tool] {
-            if (state_) {
-                state_->selectTool(tool);
-            }
-            showActiveTool();
-        });
-        toolButtons_[static_cast<size_t>(tool)] = button;
-        column->addWidget(button, 0, Qt::AlignHCenter);
-    }
-
-    swatch_ = new ColorSwatchButton(kSwatchDiameter,
-                                    withOpacity(palette().color(QPalette::WindowText), 0.2),
-                                    QStringLiteral("Stroke color"), this);
-    swatch_->setColor(state_ ? state_->currentColor() : AnnotationState::kInitialColor);
-    connect(swatch_, &QAbstractButton::clicked, this, [this] {
-        if (state_) {
-            ColorPickerBridge::shared().open(state_, this);
-        }
-    });
-    column->addWidget(swatch_, 0, Qt::AlignHCenter);
-
-    undo_ = new PaletteToolButton(QStringLiteral("arrow.uturn.backward"), QStringLiteral("Undo"),
-                                  look, this);
-    undo_->setToolTip(paletteToolTip(undo_->label(), QStringLiteral("Ctrl+Z")));
-    undo_->setCheckable(false);
-    connect(undo_, &QAbstractButton::clicked, this, [this] {
-        if (state_) {
-            state_->undo();
-        }
-    });
-    column->addWidget(undo_, 0, Qt::AlignHCenter);
-
-    save_ = new PaletteToolButton(QStringLiteral("checkmark"), QStringLiteral("Save"), look, this);
-    save_->setToolTip(paletteToolTip(save_->label(), QStringLiteral("Ctrl+S")));
-    save_->setCheckable(false);
-    connect(save_, &QAbstractButton::clicked, this, &AnnotationSidebar::saveRequested);
-    column->addWidget(save_, 0, Qt::AlignHCenter);
-    column->addStretch(1);
+AnnotationState* AnnotationSidebar::state() const {
+    return tools_->state();
 }
 
 PaletteToolButton* AnnotationSidebar::toolButton(AnnotationTool tool) const {
-    return toolButtons_[static_cast<size_t>(tool)];
+    return tools_->toolButton(tool);
 }
 
-void AnnotationSidebar::showActiveTool() {
-    // As in the toolbar: no tool looks picked while drawing is off.
-    const bool drawing = state_ && state_->isDrawingEnabled();
-    for (const AnnotationTool tool : kAllAnnotationTools) {
-        toolButton(tool)->setActive(drawing && tool == state_->activeTool());
-    }
+ColorSwatchButton* AnnotationSidebar::colorSwatch() const {
+    return tools_->colorSwatch();
+}
+
+PaletteToolButton* AnnotationSidebar::undoButton() const {
+    return tools_->undoButton();
 }
 
 void AnnotationSidebar::applyPaletteColors() {
-    const QColor primary = palette().color(QPalette::WindowText);
-    const PaletteButtonLook look = sidebarLook(primary);
-    for (PaletteToolButton* button : toolButtons_) {
-        button->setLook(look);
-    }
-    undo_->setLook(look);
-    save_->setLook(look);
-    swatch_->setRingColor(withOpacity(primary, 0.2));
+    const QColor primary = widget_style::primary(palette());
+    tools_->setButtonLook(sidebarButtonLook(primary));
+    tools_->colorSwatch()->setRingColor(swatchRing(primary));
     update();
 }
 
 void AnnotationSidebar::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::PaletteChange && undo_) {
+    // A palette change can arrive while the buttons are still being built.
+    if (event->type() == QEvent::PaletteChange && save_) {
         applyPaletteColors();
     }
     QWidget::changeEvent(event);
@@ -136,5 +95,5 @@ void AnnotationSidebar::paintEvent(QPaintEvent*) {
     // The hairline towards the image, on the trailing edge.
     const int edgeX = layoutDirection() == Qt::RightToLeft ? 0 : width() - 1;
     painter.fillRect(QRect(edgeX, 0, 1, height()),
-                     withOpacity(palette().color(QPalette::WindowText), 0.06));
+                     withAlpha(widget_style::primary(palette()), 0.06));
 }

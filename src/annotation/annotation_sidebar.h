@@ -1,14 +1,13 @@
 #pragma once
 
-#include <QPointer>
 #include <QWidget>
-#include <array>
 
 #include "annotation/annotation_state.h"
 #include "annotation/annotation_tool.h"
 
 class ColorSwatchButton;
 class PaletteToolButton;
+class ToolPalette;
 
 // The vertical tool palette of the preview window: the eight tools in their
 // order, the stroke colour swatch, undo and save, 44 wide, drawn in the
@@ -23,11 +22,11 @@ public:
 
     explicit AnnotationSidebar(AnnotationState* state, QWidget* parent = nullptr);
 
-    AnnotationState* state() const { return state_; }
+    AnnotationState* state() const;
 
     PaletteToolButton* toolButton(AnnotationTool tool) const;
-    ColorSwatchButton* colorSwatch() const { return swatch_; }
-    PaletteToolButton* undoButton() const { return undo_; }
+    ColorSwatchButton* colorSwatch() const;
+    PaletteToolButton* undoButton() const;
     PaletteToolButton* saveButton() const { return save_; }
 
 Q_SIGNALS:
@@ -38,13 +37,8 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    void buildColumn();
-    void showActiveTool();
     void applyPaletteColors();
 
-    QPointer<AnnotationState> state_;
-    std::array<PaletteToolButton*, 8> toolButtons_{};
-    ColorSwatchButton* swatch_ = nullptr;
-    PaletteToolButton* undo_ = nullptr;
+    ToolPalette* tools_ = nullptr;
     PaletteToolButton* save_ = nullptr;
 };

@@ -1,43 +1,19 @@
 #include "annotation/annotation_toolbar.h"
 
-#include <QEasingCurve>
-#include <QEnterEvent>
+#include <QBoxLayout>
 #include <QFont>
 #include <QFontMetrics>
-#include <QHBoxLayout>
 #include <QPainter>
-#include <QPainterPath>
-#include <QVariantAnimation>
 #include <algorithm>
 
-#include "annotation/color_picker_bridge.h"
 #include "widgets/symbol_icon.h"
+#include "widgets/widget_style.h"
+
+using widget_style::withAlpha;
 
 namespace {
 
-constexpr qreal kButtonCornerRadius = 7.0;
-constexpr int kRowSpacing = 4;
-constexpr int kRowHorizontalPadding = 10;
-constexpr int kRowVerticalPadding = 7;
 constexpr qreal kBackgroundCornerRadius = 14.0;
-constexpr int kSwatchDiameter = 18;
-
-QColor withOpacity(QColor color, qreal opacity) {
-    color.setAlphaF(static_cast<float>(color.alphaF() * opacity));
-    return color;
-}
-
-PaletteButtonLook toolbarLook() {
-    PaletteButtonLook look;
-    look.frame = QSize(30, 28);
-    look.base = Qt::white;
-    look.activeOpacity = 1.0;
-    look.hoveredOpacity = 0.85;
-    look.idleOpacity = 0.55;
-    look.activeFill = 0.22;
-    look.hoveredFill = 0.1;
-    return look;
-}
 
 // A 1 × 16 bar in faint white with 2 of padding either side.
 class ToolbarSeparator : public QWidget {
@@ -47,7 +23,7 @@ public:
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
-        painter.fillRect(QRect(2, 0, 1, height()), withOpacity(Qt::white, 0.12));
+        painter.fillRect(QRect(2, 0, 1, height()), withAlpha(Qt::white, 0.12));
     }
 };
 
@@ -75,8 +51,9 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(withOpacity(Qt::white, isDown() ? 0.26 : 0.18));
-        painter.drawRoundedRect(QRectF(rect()), kButtonCornerRadius, kButtonCornerRadius);
+        painter.setBrush(withAlpha(Qt::white, isDown() ? 0.26 : 0.18));
+        painter.drawRoundedRect(QRectF(rect()), PaletteToolButton::kCornerRadius,
+                                PaletteToolButton::kCornerRadius);
         const QPixmap check = symbolPixmap(QStringLiteral("checkmark"), Qt::white,
                                            QSize(kCheckSize, kCheckSize), devicePixelRatioF());
         painter.drawPixmap(kPadding, (height() - kCheckSize) / 2, check);
@@ -91,221 +68,45 @@ private:
     static constexpr int kSpacing = 4;
 };
 
+PaletteButtonLook toolbarButtonLook() {
+    return PaletteButtonLook{
+        .frame = QSize(30, 28),
+        .base = Qt::white,
+        .activeOpacity = 1.0,
+        .hoveredOpacity = 0.85,
+        .idleOpacity = 0.55,
+        .activeFill = 0.22,
+        .hoveredFill = 0.1,
+    };
+}
+
+// One row of white symbols on the dark panel, its groups set apart by bars.
+ToolPaletteLook toolbarLook() {
+    ToolPaletteLook look;
+    look.orientation = Qt::Horizontal;
+    look.buttons = toolbarButtonLook();
+    look.spacing = 4;
+    look.margins = QMargins(10, 7, 10, 7);
+    look.swatchDiameter = 18;
+    look.swatchRing = withAlpha(Qt::white, 0.3);
+    look.swatchLabel = QStringLiteral("Color");
+    look.makeSeparator = [](QWidget* parent) { return new ToolbarSeparator(parent); };
+    return look;
+}
+
 }  // namespace
 
-QString paletteToolTip(const QString& label, const QString& key) {
-    return QStringLiteral("%1 (%2)").arg(label, key);
-}
-
-// ---------------------------------------------------------------------------
-
-PaletteToolButton::PaletteToolButton(const QString& symbolName, const QString& label,
-                                     const PaletteButtonLook& look, QWidget* parent)
-    : QAbstractButton(parent), symbolName_(symbolName), label_(label), look_(look) {
-    setText(label);
-    setToolTip(label);
-    setAccessibleName(label);
-    // Checked mirrors "active" for assistive technology; clicks never toggle
-    // it themselves (the palette sets it from the state).
-    setCheckable(true);
-    setFocusPolicy(Qt::TabFocus);
-    setFixedSize(look.frame);
-}
-
-void PaletteToolButton::setActive(bool active) {
-    active_ = active;
-    setChecked(active);
-    if (active_) {
-        animateScaleTo(1.0);
-    }
-    update();
-}
-
-void PaletteToolButton::setLook(const PaletteButtonLook& look) {
-    look_ = look;
-    symbol_ = QPixmap();
-    setFixedSize(look.frame);
-    update();
-}
-
-const QPixmap& PaletteToolButton::symbol() {
-    if (symbol_.isNull() || symbol_.devicePixelRatio() != devicePixelRatioF()) {
-        symbol_ = symbolPixmap(symbolName_, look_.base, QSize(kSymbolSize, kSymbolSize),
-                               devicePixelRatioF());
-    }
-    return symbol_;
-}
-
-void PaletteToolButton::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    const QPointF centre = QRectF(rect()).center();
-    painter.translate(centre);
-    painter.scale(scale_, scale_);
-    painter.translate(-centre);
-
-    const qreal fill = active_ ? look_.activeFill : (hovered_ ? look_.hoveredFill : 0.0);
-    if (fill > 0.0) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(withOpacity(look_.base, fill));
-        painter.drawRoundedRect(QRectF(rect()), kButtonCornerRadius, kButtonCornerRadius);
-    }
-    if (hasFocus()) {
-        painter.setPen(QPen(withOpacity(look_.base, 0.5), 1.0));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kButtonCornerRadius,
-                                kButtonCornerRadius);
-    }
-    painter.setOpacity(active_ ? look_.activeOpacity
-                               : (hovered_ ? look_.hoveredOpacity : look_.idleOpacity));
-    const QSizeF symbolSize(kSymbolSize, kSymbolSize);
-    painter.drawPixmap(QRectF(centre - QPointF(kSymbolSize / 2.0, kSymbolSize / 2.0), symbolSize),
-                       symbol(), QRectF(QPointF(0, 0), QSizeF(symbol().size())));
-}
-
-void PaletteToolButton::enterEvent(QEnterEvent* event) {
-    setHovered(true);
-    QAbstractButton::enterEvent(event);
-}
-
-void PaletteToolButton::leaveEvent(QEvent* event) {
-    setHovered(false);
-    QAbstractButton::leaveEvent(event);
-}
-
-void PaletteToolButton::setHovered(bool hovered) {
-    hovered_ = hovered;
-    animateScaleTo(hovered_ && !active_ ? kHoverScale : 1.0);
-    update();
-}
-
-void PaletteToolButton::animateScaleTo(qreal target) {
-    if (!scaleAnimation_) {
-        scaleAnimation_ = new QVariantAnimation(this);
-        // A quick overshooting ease stands in for a light spring.
-        scaleAnimation_->setDuration(180);
-        scaleAnimation_->setEasingCurve(QEasingCurve::OutBack);
-        connect(scaleAnimation_, &QVariantAnimation::valueChanged, this,
-                [this](const QVariant& value) {
-                    scale_ = value.toReal();
-                    update();
-                });
-    }
-    scaleAnimation_->stop();
-    if (qFuzzyCompare(scale_, target)) {
-        return;
-    }
-    scaleAnimation_->setStartValue(scale_);
-    scaleAnimation_->setEndValue(target);
-    scaleAnimation_->start();
-}
-
-// ---------------------------------------------------------------------------
-
-ColorSwatchButton::ColorSwatchButton(int diameter, const QColor& ring, const QString& label,
-                                     QWidget* parent)
-    : QAbstractButton(parent), diameter_(diameter), ring_(ring) {
-    setText(label);
-    setToolTip(label);
-    setAccessibleName(label);
-    setFocusPolicy(Qt::TabFocus);
-    setFixedSize(sizeHint());
-}
-
-void ColorSwatchButton::setColor(const QColor& color) {
-    color_ = color;
-    setAccessibleDescription(color.name(QColor::HexArgb));
-    update();
-}
-
-void ColorSwatchButton::setRingColor(const QColor& ring) {
-    ring_ = ring;
-    update();
-}
-
-QSize ColorSwatchButton::sizeHint() const {
-    return QSize(diameter_ + 2, diameter_ + 2);
-}
-
-void ColorSwatchButton::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF circle(QRectF(rect()).center() - QPointF(diameter_ / 2.0, diameter_ / 2.0),
-                        QSizeF(diameter_, diameter_));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color_);
-    painter.drawEllipse(circle);
-    painter.setBrush(Qt::NoBrush);
-    painter.setPen(QPen(ring_, hasFocus() ? 2.0 : 1.5));
-    painter.drawEllipse(circle.adjusted(0.75, 0.75, -0.75, -0.75));
-}
-
-// ---------------------------------------------------------------------------
-
-AnnotationToolbar::AnnotationToolbar(AnnotationState* state, QWidget* parent)
-    : QWidget(parent), state_(state) {
+AnnotationToolbar::AnnotationToolbar(AnnotationState* state, QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_TranslucentBackground);
     setAccessibleName(QStringLiteral("Annotation toolbar"));
-    buildRow();
-    if (state_) {
-        connect(state_, &AnnotationState::activeToolChanged, this,
-                &AnnotationToolbar::showActiveTool);
-        connect(state_, &AnnotationState::drawingEnabledChanged, this,
-                &AnnotationToolbar::showActiveTool);
-        connect(state_, &AnnotationState::currentColorChanged, swatch_,
-                &ColorSwatchButton::setColor);
-    }
-    showActiveTool();
-}
-
-void AnnotationToolbar::buildRow() {
-    auto* row = new QHBoxLayout(this);
-    row->setSpacing(kRowSpacing);
-    row->setContentsMargins(kRowHorizontalPadding, kRowVerticalPadding, kRowHorizontalPadding,
-                            kRowVerticalPadding);
-    row->setSizeConstraint(QLayout::SetMinimumSize);
-
-    for (const AnnotationTool tool : kAllAnnotationTools) {
-        auto* button =
-            new PaletteToolButton(paletteIconName(tool), paletteLabel(tool), toolbarLook(), this);
-        button->setToolTip(paletteToolTip(paletteLabel(tool), annotationToolKeyName(tool)));
-        connect(button, &QAbstractButton::clicked, this, [this, tool] {
-            if (state_) {
-                state_->selectTool(tool);
-            }
-            // Re-choosing the active tool changes nothing in the state, but the
-            // click must not leave the button unchecked.
-            showActiveTool();
-        });
-        toolButtons_[static_cast<size_t>(tool)] = button;
-        row->addWidget(button);
-    }
-
-    row->addWidget(new ToolbarSeparator(this));
-    swatch_ = new ColorSwatchButton(kSwatchDiameter, withOpacity(Qt::white, 0.3),
-                                    QStringLiteral("Color"), this);
-    swatch_->setColor(state_ ? state_->currentColor() : AnnotationState::kInitialColor);
-    connect(swatch_, &QAbstractButton::clicked, this, [this] {
-        if (state_) {
-            ColorPickerBridge::shared().open(state_, this);
-        }
-    });
-    row->addWidget(swatch_);
-
-    row->addWidget(new ToolbarSeparator(this));
-    undo_ = new PaletteToolButton(QStringLiteral("arrow.uturn.backward"), QStringLiteral("Undo"),
-                                  toolbarLook(), this);
-    undo_->setToolTip(paletteToolTip(undo_->label(), QStringLiteral("Ctrl+Z")));
-    undo_->setCheckable(false);
-    connect(undo_, &QAbstractButton::clicked, this, &AnnotationToolbar::undoRequested);
-    row->addWidget(undo_);
-
-    row->addWidget(new ToolbarSeparator(this));
+    tools_ = new ToolPalette(state, toolbarLook(), this);
+    tools_->layout()->setSizeConstraint(QLayout::SetMinimumSize);
+    connect(tools_->undoButton(), &QAbstractButton::clicked, this,
+            &AnnotationToolbar::undoRequested);
     save_ = new ToolbarSaveButton(this);
     save_->setFixedSize(save_->sizeHint());
     connect(save_, &QAbstractButton::clicked, this, &AnnotationToolbar::saveRequested);
-    row->addWidget(save_);
+    tools_->addGroup(save_);
 }
 
 void AnnotationToolbar::setAccentColor(const QColor& color) {
@@ -317,16 +118,7 @@ void AnnotationToolbar::setAccentColor(const QColor& color) {
 }
 
 PaletteToolButton* AnnotationToolbar::toolButton(AnnotationTool tool) const {
-    return toolButtons_[static_cast<size_t>(tool)];
-}
-
-void AnnotationToolbar::showActiveTool() {
-    // The highlighted tool is the one a drag draws with: none while drawing
-    // is off.
-    const bool drawing = state_ && state_->isDrawingEnabled();
-    for (const AnnotationTool tool : kAllAnnotationTools) {
-        toolButton(tool)->setActive(drawing && tool == state_->activeTool());
-    }
+    return tools_->toolButton(tool);
 }
 
 void AnnotationToolbar::paintEvent(QPaintEvent*) {
@@ -335,7 +127,7 @@ void AnnotationToolbar::paintEvent(QPaintEvent*) {
     // No blur of what lies behind is available to a plain X11 window, so the
     // material is a dark translucent fill with a hairline edge.
     const QRectF body = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
-    painter.setPen(QPen(withOpacity(Qt::white, 0.15), 1.0));
+    painter.setPen(QPen(withAlpha(Qt::white, 0.15), 1.0));
     painter.setBrush(QColor(28, 28, 32, 224));
     painter.drawRoundedRect(body, kBackgroundCornerRadius, kBackgroundCornerRadius);
 }

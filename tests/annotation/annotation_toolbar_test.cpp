@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QSignalSpy>
 #include <QtTest>
+#include <cstdlib>
 
 #include "annotation/annotation_sidebar.h"
 #include "widgets/symbol_icon.h"
@@ -47,6 +48,39 @@ QList<AnnotationTool> activeTools(Palette& palette) {
     return active;
 }
 using Tools = QList<AnnotationTool>;
+
+// How many of a widget's drawn pixels are close to `color`, and how many are
+// drawn at all.
+struct InkCount {
+    int drawn = 0;
+    int matching = 0;
+};
+
+InkCount inkOf(QWidget& widget, const QColor& color) {
+    // Rendered without the window's background, so only the widget's own ink
+    // shows.
+    QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    widget.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    image = image.convertToFormat(QImage::Format_ARGB32);
+    InkCount count;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            if (pixel.alpha() < 64) {
+                continue;
+            }
+            ++count.drawn;
+            const int distance = std::abs(pixel.red() - color.red()) +
+                                 std::abs(pixel.green() - color.green()) +
+                                 std::abs(pixel.blue() - color.blue());
+            if (distance < 90) {
+                ++count.matching;
+            }
+        }
+    }
+    return count;
+}
 
 }  // namespace
 
@@ -183,6 +217,62 @@ private Q_SLOTS:
         QTest::mouseClick(sidebar.undoButton(), Qt::LeftButton);
         QTest::mouseClick(sidebar.colorSwatch(), Qt::LeftButton);
         QVERIFY(sidebar.state() == nullptr);
+    }
+
+    // The sidebar draws in the window's text colour, so a theme change must
+    // reach every symbol button it shows, save included.
+    void sidebarRetintsItsButtonsWhenTheThemeChanges() {
+        AnnotationState state;
+        state.selectTool(AnnotationTool::arrow);
+        AnnotationSidebar sidebar(&state);
+        const QColor red(220, 20, 20);
+        QPalette themed = sidebar.palette();
+        themed.setColor(QPalette::WindowText, red);
+        sidebar.setPalette(themed);
+        const QList<QWidget*> buttons{sidebar.toolButton(AnnotationTool::arrow),
+                                      sidebar.toolButton(AnnotationTool::text),
+                                      sidebar.undoButton(), sidebar.saveButton()};
+        for (QWidget* button : buttons) {
+            const InkCount ink = inkOf(*button, red);
+            QVERIFY2(ink.drawn > 20, qPrintable(button->accessibleName()));
+            QVERIFY2(ink.matching * 10 > ink.drawn * 9, qPrintable(button->accessibleName()));
+        }
+    }
+
+    // The toolbar sets its swatch, undo and save apart from the tools; the
+    // sidebar stacks them evenly, centred across its width.
+    void toolbarSpacesItsGroupsAndSidebarCentresItsColumn() {
+        AnnotationState state;
+        AnnotationToolbar toolbar(&state);
+        toolbar.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&toolbar));
+        const auto gapAfter = [](QWidget* left, QWidget* right) {
+            return right->x() - left->geometry().right();
+        };
+        const int toolGap = gapAfter(toolbar.toolButton(AnnotationTool::pencil),
+                                     toolbar.toolButton(AnnotationTool::arrow));
+        QVERIFY(gapAfter(toolbar.toolButton(AnnotationTool::highlighter), toolbar.colorSwatch()) >
+                toolGap);
+        QVERIFY(gapAfter(toolbar.colorSwatch(), toolbar.undoButton()) > toolGap);
+        QVERIFY(gapAfter(toolbar.undoButton(), toolbar.saveButton()) > toolGap);
+
+        AnnotationSidebar sidebar(&state);
+        sidebar.resize(AnnotationSidebar::kWidth, 600);
+        sidebar.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&sidebar));
+        const auto gapBelow = [](QWidget* above, QWidget* below) {
+            return below->y() - above->geometry().bottom();
+        };
+        const int rowGap = gapBelow(sidebar.toolButton(AnnotationTool::pencil),
+                                    sidebar.toolButton(AnnotationTool::arrow));
+        QCOMPARE(gapBelow(sidebar.toolButton(AnnotationTool::highlighter), sidebar.colorSwatch()),
+                 rowGap);
+        QCOMPARE(gapBelow(sidebar.undoButton(), sidebar.saveButton()), rowGap);
+        for (QAbstractButton* button : sidebar.findChildren<QAbstractButton*>()) {
+            const int centre = button->x() + button->width() / 2;
+            QVERIFY2(std::abs(centre - sidebar.width() / 2) <= 1,
+                     qPrintable(button->accessibleName()));
+        }
     }
 
     void everySymbolIsDrawnAndTinted() {
