@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "annotation/region_filters.h"
+#include "widgets/widget_style.h"
 
 namespace {
 
@@ -18,9 +19,14 @@ constexpr qreal kPixelatePlaceholderAlpha = 0.5;
 constexpr qreal kCropDimAlpha = 0.4;
 constexpr qreal kCropOutlineWidth = 1.5;
 
-QColor withAlpha(QColor color, qreal alpha) {
-    color.setAlphaF(static_cast<float>(alpha));
-    return color;
+using widget_style::withAlpha;
+
+// A stroke's opacity stands in for its colour's own alpha rather than adding
+// to it.
+QColor strokeColor(const Annotation::Stroke& stroke) {
+    QColor opaque = stroke.color;
+    opaque.setAlphaF(1.0f);
+    return withAlpha(opaque, stroke.opacity);
 }
 
 void paintText(QPainter& painter, const Annotation::Text& text) {
@@ -57,8 +63,7 @@ void paintAnnotation(QPainter& painter, const Annotation& annotation,
         [&](const auto& kind) {
             using Kind = std::decay_t<decltype(kind)>;
             if constexpr (std::is_same_v<Kind, Annotation::Stroke>) {
-                paintPolyline(painter, kind.points, kind.width,
-                              withAlpha(kind.color, kind.opacity));
+                paintPolyline(painter, kind.points, kind.width, strokeColor(kind));
             } else if constexpr (std::is_same_v<Kind, Annotation::Arrow>) {
                 paintArrow(painter, kind.from, kind.to, kind.color, style.arrowHeadLength);
             } else if constexpr (std::is_same_v<Kind, Annotation::Rectangle>) {

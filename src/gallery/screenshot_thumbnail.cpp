@@ -16,10 +16,11 @@
 #include <QVariantAnimation>
 #include <algorithm>
 
-#include "widgets/symbol_icon.h"
-#include "storage/screenshot_metadata_store.h"
 #include "gallery/screenshot_list_model.h"
 #include "gallery/thumbnail_actions.h"
+#include "storage/screenshot_metadata_store.h"
+#include "widgets/symbol_icon.h"
+#include "widgets/widget_style.h"
 
 namespace {
 
@@ -36,10 +37,7 @@ constexpr qreal kShadowAlpha = 0.18;
 constexpr int kShadowRadius = 6;
 constexpr qreal kShadowOffsetY = 3;
 
-QColor withAlpha(QColor color, qreal alpha) {
-    color.setAlphaF(float(std::clamp(alpha, 0.0, 1.0) * color.alphaF()));
-    return color;
-}
+using widget_style::withAlpha;
 
 QFont fontOfPixelSize(const QFont& base, int pixelSize, QFont::Weight weight) {
     QFont font = base;

@@ -20,6 +20,7 @@
 #include "library/capture_file_rename.h"
 #include "storage/screenshot_metadata_store.h"
 #include "widgets/symbol_icon.h"
+#include "widgets/widget_style.h"
 
 namespace {
 
@@ -28,10 +29,7 @@ constexpr int kSectionSpacing = 14;
 constexpr QSize kButtonSymbolSize(14, 14);
 constexpr qreal kSwatchHoverScale = 1.08;
 
-QColor withOpacity(QColor color, qreal opacity) {
-    color.setAlphaF(static_cast<float>(color.alphaF() * opacity));
-    return color;
-}
+using widget_style::withAlpha;
 
 QFont fontOfSize(const QFont& base, int pixelSize, QFont::Weight weight = QFont::Normal) {
     QFont font = base;
@@ -135,11 +133,11 @@ protected:
             }
         } else {
             const qreal line = 1.5;
-            painter.setPen(QPen(withOpacity(primary, 0.3), line));
+            painter.setPen(QPen(withAlpha(primary, 0.3), line));
             painter.setBrush(Qt::NoBrush);
             painter.drawEllipse(circle.adjusted(line / 2, line / 2, -line / 2, -line / 2));
             const QSize cross(8, 8);
-            const QPixmap mark = symbolPixmap(QStringLiteral("xmark"), withOpacity(primary, 0.6),
+            const QPixmap mark = symbolPixmap(QStringLiteral("xmark"), withAlpha(primary, 0.6),
                                               cross, devicePixelRatioF());
             painter.drawPixmap(QPointF(width() - cross.width(), height() - cross.height()) / 2,
                                mark);
@@ -381,12 +379,12 @@ void PreviewSidebar::refreshSymbols() {
         const bool confirm = symbol == QStringLiteral("checkmark.circle.fill");
         const QColor tint =
             confirm ? palette().color(QPalette::Highlight)
-                    : withOpacity(primary, symbol.endsWith(QStringLiteral(".fill")) ? 0.45 : 0.6);
+                    : withAlpha(primary, symbol.endsWith(QStringLiteral(".fill")) ? 0.45 : 0.6);
         button->setIcon(symbolIcon(symbol, tint, kButtonSymbolSize));
     }
-    eventTag_->setPixmap(symbolPixmap(QStringLiteral("tag.fill"), withOpacity(primary, 0.6),
+    eventTag_->setPixmap(symbolPixmap(QStringLiteral("tag.fill"), withAlpha(primary, 0.6),
                                       QSize(12, 12), devicePixelRatioF()));
-    const QColor secondary = withOpacity(primary, 0.55);
+    const QColor secondary = withAlpha(primary, 0.55);
     const auto labels = findChildren<QLabel*>();
     for (QLabel* label : labels) {
         if (label->property("caption").toBool() || label->property("secondary").toBool()) {
