@@ -9,6 +9,7 @@
 #include "app/log_output.h"
 #include "app/quit_on_signal.h"
 #include "library/captures_in_flight.h"
+#include "library/screenshot_store.h"
 #include "platform/notification_attachment.h"
 
 namespace {
@@ -78,6 +79,8 @@ int main(int argc, char* argv[]) {
     // A capture saved just before the quit (a logout's SIGTERM right after
     // Return) still gets its follow-up, so it stays in the gallery.
     waitForCapturesInFlight();
+    // The library's workers end before the program does.
+    ScreenshotStore::shared().stopWork();
     // Popups still on screen lose their pictures; none stays behind.
     NotificationAttachments::shared().removeAll();
     return status;

@@ -147,6 +147,13 @@ ScreenshotStore::~ScreenshotStore() {
     pool_.waitForDone();
 }
 
+void ScreenshotStore::stopWork() {
+    stopWatching();
+    pool_.clear();
+    pool_.waitForDone();
+    thumbnailer_.stop();
+}
+
 QStringList ScreenshotStore::watchedFolders() const {
     return watcher_ != nullptr ? watcher_->directories() : QStringList();
 }

@@ -74,6 +74,10 @@ public:
     // Rescans and publishes. May be called from any thread.
     void refresh();
 
+    // Stops watching and waits for the scans and thumbnails under way: called
+    // as the program quits, so that no worker runs while it is torn down.
+    void stopWork();
+
     // Lists a just-written recording at the front without waiting for a
     // rescan and records it as the program's own.
     void insertNewCapture(const QString& path);

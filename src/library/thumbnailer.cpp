@@ -95,6 +95,11 @@ Thumbnailer::~Thumbnailer() {
     pool_.waitForDone();
 }
 
+void Thumbnailer::stop() {
+    supersedeFilling();
+    pool_.waitForDone();
+}
+
 QImage Thumbnailer::decode(const QString& path) const {
     if (ScreenshotItem::isVideoPath(path)) {
         return videoFrameReader_->firstFrame(path, ScreenshotItem::kThumbnailMaxSide);

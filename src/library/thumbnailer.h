@@ -61,6 +61,10 @@ public:
     // Whether a filling, superseded ones included, still has workers.
     bool isFilling() const { return fillsRunning_ > 0; }
 
+    // Ends every filling and waits for its workers: nothing decodes once the
+    // program is leaving (FFmpeg's own threads must not outlive its state).
+    void stop();
+
 Q_SIGNALS:
     // Thumbnails of the latest filled list, by item id; null where decoding
     // failed.
