@@ -10,78 +10,29 @@
 #include <QMimeData>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QThread>
 #include <QtTest>
 #include <memory>
 
-#include "library/capture_registry.h"
-#include "library/screenshot_store.h"
-#include "storage/screenshot_metadata_store.h"
-#include "storage/user_defaults.h"
-#include "storage/user_settings.h"
 #include "gallery/color_swatch.h"
 #include "gallery/filter_chip.h"
 #include "gallery/filter_toggle_button.h"
 #include "gallery/gallery_grid_view.h"
 #include "gallery/screenshot_filter_model.h"
 #include "gallery/screenshot_thumbnail.h"
+#include "support/temporary_library.h"
 #include "widgets/shortcut_view.h"
 
 namespace {
 
 constexpr int kTimeoutMs = 5000;
 
-// A real library (a Desktop folder of real PNG files), a real metadata
-// store and real settings, all in one temporary folder.
-class Library {
-public:
-    Library() {
-        QDir().mkpath(desktop());
-        settings.setShowOnlyQuillixItems(false);
+// Written in this order, so the last is the newest; each in a colour of its own.
+void writePngs(TemporaryLibrary& library, const QStringList& names) {
+    for (const QString& name : names) {
+        const QColor color = QColor::fromHsv(static_cast<int>(qHash(name) % 360), 200, 220);
+        library.writePng(QStringLiteral("Desktop/") + name, {64, 40}, color, color);
     }
-
-    QString desktop(const QString& name = {}) const {
-        return dir.filePath(name.isEmpty() ? QStringLiteral("Desktop")
-                                           : QStringLiteral("Desktop/") + name);
-    }
-
-    // Written in this order, so the last is the newest.
-    void writePngs(const QStringList& names) const {
-        for (const QString& name : names) {
-            QImage image(64, 40, QImage::Format_RGB32);
-            image.fill(QColor::fromHsv(static_cast<int>(qHash(name) % 360), 200, 220));
-            QVERIFY(image.save(desktop(name), "PNG"));
-            // File times come from a coarse clock; a pause orders them.
-            QThread::msleep(40);
-        }
-    }
-
-    ScreenshotStore& openStore() {
-        store = std::make_unique<ScreenshotStore>(desktop(), dir.filePath("Pictures/Screenshots"),
-                                                  registry, settings, defaults);
-        // The view needs the published list, not the thumbnails; see the
-        // note on idle below.
-        const int expected = static_cast<int>(QDir(desktop()).entryList(QDir::Files).size());
-        [&] {
-            QTRY_VERIFY_WITH_TIMEOUT(
-                store->publishedScanCount() > 0 && store->screenshots().size() == expected,
-                kTimeoutMs);
-        }();
-        // Usually the thumbnails follow at once. The store is not relied on
-        // to report idle: now and then it never does although no work is
-        // left (a store issue reported separately).
-        store->waitForIdle(3000);
-        return *store;
-    }
-
-    QTemporaryDir dir;
-    CaptureRegistry registry{dir.filePath("data/Quillix"), dir.filePath("Documents/Quillix")};
-    UserSettings settings{dir.filePath("data/Quillix"), dir.filePath("Documents/Quillix")};
-    UserDefaults defaults{dir.filePath("config/Quillix/Quillix.conf")};
-    ScreenshotMetadataStore metaStore{dir.filePath("data/Quillix")};
-    std::unique_ptr<ScreenshotStore> store;
-};
+}
 
 QStringList shownNames(const MenuBarView& view) {
     QStringList names;
@@ -109,15 +60,22 @@ class MenuBarViewTest : public QObject {
     Q_OBJECT
 
 private:
-    std::unique_ptr<Library> library_;
+    std::unique_ptr<TemporaryLibrary> library_;
     std::unique_ptr<MenuBarView> view_;
 
     // A shown view over a library of `files`.
     MenuBarView& openView(const QStringList& files) {
-        library_ = std::make_unique<Library>();
-        library_->writePngs(files);
-        ScreenshotStore& store = library_->openStore();
-        view_ = std::make_unique<MenuBarView>(store, library_->metaStore, library_->settings);
+        library_ = std::make_unique<TemporaryLibrary>();
+        writePngs(*library_, files);
+        ScreenshotStore& store = library_->open();
+        // The view needs the published list, not the thumbnails; see the
+        // note on idle below.
+        [&] { QVERIFY(library_->waitUntilListed(files.size(), kTimeoutMs)); }();
+        // Usually the thumbnails follow at once. The store is not relied on
+        // to report idle: now and then it never does although no work is
+        // left (a store issue reported separately).
+        (void)library_->waitUntilIdle(3000);
+        view_ = std::make_unique<MenuBarView>(store, library_->metadata, library_->settings);
         view_->show();
         [&] { QVERIFY(QTest::qWaitForWindowExposed(view_.get())); }();
         return *view_;
@@ -185,7 +143,7 @@ private Q_SLOTS:
 
         // A second grid over the same rows, wider than the popover's.
         GalleryGridView wide;
-        ScreenshotThumbnail delegate(library_->metaStore);
+        ScreenshotThumbnail delegate(library_->metadata);
         wide.setModel(view.filterModel());
         wide.setThumbnailDelegate(&delegate);
         wide.resize(500, 300);
@@ -236,7 +194,7 @@ private Q_SLOTS:
 
     void blueFilterShowsOnlyBlueLabelledAndFollowsTheMetadata() {
         MenuBarView& view = openView(kThreeFiles);
-        ScreenshotMetadataStore& meta = library_->metaStore;
+        ScreenshotMetadataStore& meta = library_->metadata;
         meta.setColorLabel(ColorLabel::blue, library_->desktop("Design review.png"));
         meta.setColorLabel(ColorLabel::red, library_->desktop("Bug report.png"));
         openPanel(view);
@@ -289,7 +247,7 @@ private Q_SLOTS:
 
     void eventsWithNoEventShowsNoResults() {
         MenuBarView& view = openView(kThreeFiles);
-        library_->metaStore.setColorLabel(ColorLabel::green, library_->desktop("Bug report.png"));
+        library_->metadata.setColorLabel(ColorLabel::green, library_->desktop("Bug report.png"));
         openPanel(view);
         click(view.eventsChip());
         QVERIFY(view.eventsChip()->isSelected());
@@ -300,8 +258,8 @@ private Q_SLOTS:
         QCOMPARE(view.captionLabel()->text(), QStringLiteral("0 of 3"));
 
         // An event arriving shows its item.
-        library_->metaStore.setEvent(ScreenshotEvent{QStringLiteral("Fix"), QString()},
-                                     library_->desktop("Design review.png"));
+        library_->metadata.setEvent(ScreenshotEvent{QStringLiteral("Fix"), QString()},
+                                    library_->desktop("Design review.png"));
         QCOMPARE(shownNames(view), QStringList{"Design review.png"});
         QVERIFY(!view.isShowingEmptyState());
         // Pressing "Events" again toggles it off.
@@ -324,7 +282,8 @@ private Q_SLOTS:
 
         click(view.filterToggle());
         QVERIFY(!view.isFilterPanelOpen());
-        QCOMPARE(view.filter(), GalleryFilter());
+        const GalleryFilter cleared{};
+        QCOMPARE(view.filter(), cleared);
         QCOMPARE(shownNames(view), kNewestFirst);
         QCOMPARE(view.captionLabel()->text(), QStringLiteral("3"));
         QVERIFY(!view.isShowingEmptyState());
@@ -460,8 +419,8 @@ private Q_SLOTS:
         QVERIFY(!view.captionLabel()->isVisible());
 
         // A capture arriving replaces the message with the grid.
-        library_->writePngs({"First.png"});
-        library_->store->refresh();
+        writePngs(*library_, {"First.png"});
+        library_->store().refresh();
         QTRY_COMPARE(shownNames(view), QStringList{"First.png"});
         QVERIFY(!view.isShowingEmptyState());
         QCOMPARE(view.captionLabel()->text(), QStringLiteral("1"));
@@ -496,7 +455,7 @@ private Q_SLOTS:
     void aReportedClickIsPassedOn() {
         MenuBarView& view = openView(kThreeFiles);
         QSignalSpy spy(&view, &MenuBarView::itemSelected);
-        const ScreenshotItem item = library_->store->screenshots().at(1);
+        const ScreenshotItem item = library_->store().screenshots().at(1);
         Q_EMIT view.thumbnailDelegate()->selected(item);
         QCOMPARE(spy.count(), 1);
         QCOMPARE(spy.at(0).at(0).value<ScreenshotItem>().id(), item.id());
@@ -506,9 +465,6 @@ private Q_SLOTS:
     // the focused cell wears the accent ring.
     void theGridWorksFromTheKeyboard() {
         MenuBarView& view = openView(kThreeFiles);
-        // The trash beside the files (the same file system).
-        QDir().mkpath(library_->dir.filePath("data"));
-        qputenv("XDG_DATA_HOME", QFile::encodeName(library_->dir.filePath("data")));
         GalleryGridView* grid = view.gridView();
         view.activateWindow();
         view.filterToggle()->setFocus(Qt::TabFocusReason);
@@ -533,8 +489,7 @@ private Q_SLOTS:
 
         QTest::keyClick(grid, Qt::Key_Delete);
         QTRY_COMPARE(shownNames(view), (QStringList{kNewestFirst.at(0), kNewestFirst.at(2)}));
-        QTRY_VERIFY(
-            QFile::exists(library_->dir.filePath("data/Trash/files/") + kNewestFirst.at(1)));
+        QTRY_VERIFY(QFile::exists(library_->trashed(kNewestFirst.at(1))));
         // The focus moves on to the cell that took its place.
         QTRY_COMPARE(grid->currentIndex().data().toString(), kNewestFirst.at(2));
         QCOMPARE(opened.count(), 1);

@@ -5,34 +5,21 @@
 #include "gallery/pill_panel.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QFileInfo>
-#include <QImage>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
 
-#include "library/capture_registry.h"
-#include "library/screenshot_store.h"
 #include "platform/canberra/canberra_sound_player.h"
-#include "storage/user_defaults.h"
-#include "storage/user_settings.h"
+#include "support/temporary_library.h"
 
 class PillPanelTest : public QObject {
     Q_OBJECT
 
 private:
-    QString path(const QString& relative) const { return home_.filePath(relative); }
-
-    void writePng(const QString& file) {
-        QDir().mkpath(QFileInfo(file).absolutePath());
-        QImage image(16, 10, QImage::Format_RGB32);
-        image.fill(Qt::darkCyan);
-        QVERIFY(image.save(file, "PNG"));
-    }
+    QString path(const QString& relative) const { return library_->path(relative); }
 
     static std::unique_ptr<QMimeData> dragOf(const QString& file) {
         auto mime = std::make_unique<QMimeData>();
@@ -54,35 +41,22 @@ private:
         return event.isAccepted();
     }
 
-    QTemporaryDir home_;
-    std::unique_ptr<CaptureRegistry> registry_;
-    std::unique_ptr<UserSettings> settings_;
-    std::unique_ptr<UserDefaults> defaults_;
-    std::unique_ptr<ScreenshotStore> library_;
+    std::unique_ptr<TemporaryLibrary> library_;
     CanberraSoundPlayer sounds_;
 
 private Q_SLOTS:
     void init() {
-        qputenv("XDG_DATA_HOME", path("data").toUtf8());
-        writePng(path("Desktop/listed.png"));
-        writePng(path("elsewhere/foreign.png"));
-        registry_ = std::make_unique<CaptureRegistry>(path("data/Quillix"), path("legacy"));
-        settings_ = std::make_unique<UserSettings>(path("data/Quillix"), path("legacy"));
-        settings_->setShowOnlyQuillixItems(false);
-        defaults_ = std::make_unique<UserDefaults>(path("config/Quillix.conf"));
-        library_ = std::make_unique<ScreenshotStore>(path("Desktop"), path("Pictures/Screenshots"),
-                                                     *registry_, *settings_, *defaults_);
-        QVERIFY(library_->waitForIdle());
-        QCOMPARE(library_->screenshots().size(), 1);
+        library_ = std::make_unique<TemporaryLibrary>();
+        library_->writePng("Desktop/listed.png", {16, 10}, Qt::darkCyan, Qt::darkCyan);
+        library_->writePng("elsewhere/foreign.png", {16, 10}, Qt::darkCyan, Qt::darkCyan);
+        QVERIFY(library_->openUntilIdle());
+        QCOMPARE(library_->store().screenshots().size(), 1);
     }
 
-    void cleanup() {
-        library_.reset();
-        QDir(path("")).removeRecursively();
-    }
+    void cleanup() { library_.reset(); }
 
     void buttonsAreNamedAndLaidOutLeftToRight() {
-        PillPanel pill(*library_, sounds_, {});
+        PillPanel pill(library_->store(), sounds_, {});
         pill.show();
         QVERIFY(QTest::qWaitForWindowExposed(&pill));
         FooterPillView* content = pill.content();
@@ -107,7 +81,7 @@ private Q_SLOTS:
         actions.quit = [&] { quit = true; };
         int closeRequests = 0;
         actions.closePopover = [&closeRequests] { ++closeRequests; };
-        PillPanel pill(*library_, sounds_, actions);
+        PillPanel pill(library_->store(), sounds_, actions);
 
         pill.content()->settingsButton()->click();
         QCOMPARE(closeRequests, 1);
@@ -129,7 +103,7 @@ private Q_SLOTS:
         actions.quit = [&] { quit = true; };
         int closeRequests = 0;
         actions.closePopover = [&closeRequests] { ++closeRequests; };
-        PillPanel pill(*library_, sounds_, actions);
+        PillPanel pill(library_->store(), sounds_, actions);
         pill.showFadingIn();
         QVERIFY(QTest::qWaitForWindowExposed(&pill));
         QTest::qWait(200);
@@ -150,7 +124,7 @@ private Q_SLOTS:
     }
 
     void listedCaptureDroppedOnThePillGoesToTheTrash() {
-        PillPanel pill(*library_, sounds_, {});
+        PillPanel pill(library_->store(), sounds_, {});
         QSignalSpy played(&sounds_, &CanberraSoundPlayer::played);
         const QString listed = path("Desktop/listed.png");
         const auto mime = dragOf(listed);
@@ -165,14 +139,14 @@ private Q_SLOTS:
         // The file stays until the swallow is over.
         QVERIFY(QFileInfo::exists(listed));
         QTRY_VERIFY(!pill.content()->trashSucking());
-        QTRY_VERIFY(library_->screenshots().isEmpty());
-        QVERIFY(library_->waitForIdle());
+        QTRY_VERIFY(library_->store().screenshots().isEmpty());
+        QVERIFY(library_->waitUntilIdle());
         QVERIFY(!QFileInfo::exists(listed));
-        QVERIFY(QFileInfo::exists(path("data/Trash/files/listed.png")));
+        QVERIFY(QFileInfo::exists(library_->trashed("listed.png")));
     }
 
     void foreignFilesTurnTheTrashRedButAreNeverDeleted() {
-        PillPanel pill(*library_, sounds_, {});
+        PillPanel pill(library_->store(), sounds_, {});
         const QString foreign = path("elsewhere/foreign.png");
         const auto mime = dragOf(foreign);
         QVERIFY(enter(pill, mime.get()));
@@ -181,11 +155,11 @@ private Q_SLOTS:
         QVERIFY(!pill.content()->trashSucking());
         QTest::qWait(300);
         QVERIFY(QFileInfo::exists(foreign));
-        QCOMPARE(library_->screenshots().size(), 1);
+        QCOMPARE(library_->store().screenshots().size(), 1);
     }
 
     void dragsWithoutAFileAreRefusedAndLeavingRestoresTheOutline() {
-        PillPanel pill(*library_, sounds_, {});
+        PillPanel pill(library_->store(), sounds_, {});
         QMimeData text;
         text.setText(QStringLiteral("just words"));
         QVERIFY(!enter(pill, &text));

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
-#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QLineEdit>
@@ -15,19 +14,14 @@
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStandardItemModel>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
 #include <functional>
 #include <memory>
 
-#include "library/capture_registry.h"
-#include "library/screenshot_store.h"
-#include "storage/screenshot_metadata_store.h"
-#include "storage/user_defaults.h"
-#include "storage/user_settings.h"
 #include "gallery/screenshot_list_model.h"
 #include "gallery/thumbnail_actions.h"
+#include "support/temporary_library.h"
 
 namespace {
 
@@ -123,23 +117,6 @@ void answerPrompt(const QString& title, const QString& typed, const QString& but
     });
 }
 
-// Left half `left`, right half `right`.
-void writePng(const QString& path, QSize size = {320, 200}, QColor left = Qt::white,
-              QColor right = Qt::white) {
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(left);
-    QPainter painter(&image);
-    painter.fillRect(size.width() / 2, 0, size.width() - size.width() / 2, size.height(), right);
-    painter.end();
-    QVERIFY(image.save(path, "PNG"));
-}
-
-void writeBytes(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
 int grey(QRgb pixel) {
     return qGray(pixel);
 }
@@ -160,63 +137,11 @@ QString describe(QRgb pixel) {
     return QStringLiteral("rgb(%1, %2, %3)").arg(qRed(pixel)).arg(qGreen(pixel)).arg(qBlue(pixel));
 }
 
-// A library, metadata store and trash of its own in a temporary folder.
-struct Library {
-    Library() {
-        qputenv("XDG_DATA_HOME", QFile::encodeName(path("data")));
-        QDir().mkpath(desktop());
-        settings.setShowOnlyQuillixItems(false);
-    }
-
-    QString path(const QString& relative) const { return root.filePath(relative); }
-    QString desktop(const QString& name = {}) const {
-        return path(name.isEmpty() ? QStringLiteral("Desktop") : "Desktop/" + name);
-    }
-
-    // The library, opened over the files written so far.
-    ScreenshotStore& open() {
-        store = std::make_unique<ScreenshotStore>(desktop(), path("Pictures/Screenshots"), registry,
-                                                  settings, defaults);
-        [&] { QVERIFY(waitUntilIdle()); }();
-        return *store;
-    }
-
-    // Polls rather than sleeping until the store reports idle.
-    bool waitUntilIdle() {
-        return QTest::qWaitFor([&] { return store->isIdle(); }, 30000);
-    }
-
-    std::optional<ScreenshotItem> item(const QString& name) const {
-        for (const ScreenshotItem& listed : store->screenshots()) {
-            if (listed.fileName() == name) {
-                return listed;
-            }
-        }
-        return std::nullopt;
-    }
-
-    QStringList names() const {
-        QStringList listed;
-        for (const ScreenshotItem& each : store->screenshots()) {
-            listed << each.fileName();
-        }
-        listed.sort();
-        return listed;
-    }
-
-    QTemporaryDir root;
-    CaptureRegistry registry{path("data/Quillix"), path("Documents/Quillix")};
-    UserSettings settings{path("data/Quillix"), path("Documents/Quillix")};
-    UserDefaults defaults{path("config/Quillix/Quillix.conf")};
-    ScreenshotMetadataStore metaStore{path("data/Quillix")};
-    std::unique_ptr<ScreenshotStore> store;
-};
-
 // The library's captures in an icon grid drawn by the cell delegate.
 struct Gallery {
-    explicit Gallery(Library& library)
-        : model(*library.store, library.metaStore), cell(library.metaStore) {
-        cell.setLibrary(library.store.get());
+    explicit Gallery(TemporaryLibrary& library)
+        : model(library.store(), library.metadata), cell(library.metadata) {
+        cell.setLibrary(&library.store());
         cell.setCellSize(kCell);
         view.setViewMode(QListView::IconMode);
         view.setSpacing(8);
@@ -253,16 +178,16 @@ class ScreenshotThumbnailTest : public QObject {
 
 private Q_SLOTS:
     void menuOfAnImageWithAnEventDiffersFromAVideoWithout() {
-        Library library;
-        writePng(library.desktop("Shot.png"));
-        writeBytes(library.desktop("clip.mp4"), "not really a recording");
-        library.open();
+        TemporaryLibrary library;
+        library.writePng("Desktop/Shot.png");
+        library.writeFile("Desktop/clip.mp4", "not really a recording");
+        QVERIFY(library.openUntilIdle());
         const auto shot = library.item("Shot.png");
         const auto clip = library.item("clip.mp4");
         QVERIFY(shot && clip);
-        library.metaStore.setEvent(ScreenshotEvent{"Review", ""}, shot->path());
-        ThumbnailActions actions(library.metaStore);
-        actions.setLibrary(library.store.get());
+        library.metadata.setEvent(ScreenshotEvent{"Review", ""}, shot->path());
+        ThumbnailActions actions(library.metadata);
+        actions.setLibrary(&library.store());
 
         const std::unique_ptr<QMenu> imageMenu(actions.buildMenu(*shot));
         QCOMPARE(entries(*imageMenu),
@@ -282,7 +207,7 @@ private Q_SLOTS:
 
         // "Remove Event" clears title and note; the next menu no longer offers it.
         entry(*imageMenu, "Remove Event")->trigger();
-        QVERIFY(!library.metaStore.recordFor(shot->path()).event);
+        QVERIFY(!library.metadata.recordFor(shot->path()).event);
         const std::unique_ptr<QMenu> nextMenu(actions.buildMenu(*shot));
         QVERIFY(!entry(*nextMenu, "Remove Event"));
         QVERIFY(entry(*nextMenu, "Add Event…"));
@@ -293,17 +218,17 @@ private Q_SLOTS:
         QVERIFY(library.waitUntilIdle());
         QCOMPARE(library.names(), QStringList({"Shot.png"}));
         QVERIFY(!QFile::exists(clip->path()));
-        QVERIFY(QFile::exists(library.path("data/Trash/files/clip.mp4")));
+        QVERIFY(QFile::exists(library.trashed("clip.mp4")));
     }
 
     void colorSubmenuSetsLabelsAndNoneClears() {
-        Library library;
-        writePng(library.desktop("Labelled.png"));
-        writePng(library.desktop("Plain.png"));
-        library.open();
+        TemporaryLibrary library;
+        library.writePng("Desktop/Labelled.png");
+        library.writePng("Desktop/Plain.png");
+        QVERIFY(library.openUntilIdle());
         const auto labelled = library.item("Labelled.png");
         const auto plain = library.item("Plain.png");
-        ThumbnailActions actions(library.metaStore);
+        ThumbnailActions actions(library.metadata);
 
         auto chooseColor = [&](const ScreenshotItem& item, const QString& name) {
             const std::unique_ptr<QMenu> menu(actions.buildMenu(item));
@@ -313,10 +238,10 @@ private Q_SLOTS:
             choice->trigger();
         };
         chooseColor(*labelled, "Blue");
-        QCOMPARE(library.metaStore.recordFor(labelled->path()).colorLabel, ColorLabel::blue);
+        QCOMPARE(library.metadata.recordFor(labelled->path()).colorLabel, ColorLabel::blue);
         // Choosing the current label again keeps it.
         chooseColor(*labelled, "Blue");
-        QCOMPARE(library.metaStore.recordFor(labelled->path()).colorLabel, ColorLabel::blue);
+        QCOMPARE(library.metadata.recordFor(labelled->path()).colorLabel, ColorLabel::blue);
 
         // The current label's swatch carries the white tick; the others are plain.
         const QImage current = ThumbnailActions::colorLabelIcon(ColorLabel::blue, true)
@@ -342,19 +267,19 @@ private Q_SLOTS:
         QVERIFY(near(other.pixel(8, 8), colorLabelColor(ColorLabel::blue), 2));
 
         chooseColor(*labelled, "None");
-        QVERIFY(!library.metaStore.recordFor(labelled->path()).colorLabel);
+        QVERIFY(!library.metadata.recordFor(labelled->path()).colorLabel);
         // "None" on a capture that never had a label leaves it without one.
         chooseColor(*plain, "None");
-        QVERIFY(!library.metaStore.recordFor(plain->path()).colorLabel);
-        QVERIFY(!library.metaStore.metadata().contains("Plain.png"));
+        QVERIFY(!library.metadata.recordFor(plain->path()).colorLabel);
+        QVERIFY(!library.metadata.metadata().contains("Plain.png"));
     }
 
     void eventDialogStoresTheTrimmedTitleAndIgnoresBlankText() {
-        Library library;
-        writePng(library.desktop("Shot.png"));
-        library.open();
+        TemporaryLibrary library;
+        library.writePng("Desktop/Shot.png");
+        QVERIFY(library.openUntilIdle());
         const auto shot = library.item("Shot.png");
-        ThumbnailActions actions(library.metaStore);
+        ThumbnailActions actions(library.metadata);
 
         PromptSeen added;
         answerPrompt("Add Event", "  Design review \t", "Save", &added);
@@ -366,7 +291,7 @@ private Q_SLOTS:
         QCOMPARE(added.windowAccessibleName, QString("Add Event"));
         QCOMPARE(added.fieldSize, QSize(260, 24));
         QVERIFY(added.acceptIsDefault);
-        QCOMPARE(library.metaStore.recordFor(shot->path()).event,
+        QCOMPARE(library.metadata.recordFor(shot->path()).event,
                  ScreenshotEvent({"Design review", ""}));
 
         // Only spaces: the old event stays.
@@ -376,7 +301,7 @@ private Q_SLOTS:
         QVERIFY(blank.shown);
         QCOMPARE(blank.fieldText, QString("Design review"));
         QCOMPARE(blank.selectedText, QString("Design review"));
-        QCOMPARE(library.metaStore.recordFor(shot->path()).event,
+        QCOMPARE(library.metadata.recordFor(shot->path()).event,
                  ScreenshotEvent({"Design review", ""}));
 
         // "Cancel" keeps it too, whatever was typed.
@@ -384,31 +309,31 @@ private Q_SLOTS:
         answerPrompt("Edit Event", "Other", "Cancel", &cancelled);
         actions.editEvent(*shot);
         QVERIFY(cancelled.shown);
-        QCOMPARE(library.metaStore.recordFor(shot->path()).event,
+        QCOMPARE(library.metadata.recordFor(shot->path()).event,
                  ScreenshotEvent({"Design review", ""}));
 
         // Saving replaces the title and empties an earlier note.
-        library.metaStore.setEvent(ScreenshotEvent{"Design review", "with a note"}, shot->path());
+        library.metadata.setEvent(ScreenshotEvent{"Design review", "with a note"}, shot->path());
         PromptSeen edited;
         answerPrompt("Edit Event", "Fix issue", "Save", &edited);
         actions.editEvent(*shot);
-        QCOMPARE(library.metaStore.recordFor(shot->path()).event,
+        QCOMPARE(library.metadata.recordFor(shot->path()).event,
                  ScreenshotEvent({"Fix issue", ""}));
     }
 
     void renameKeepsTheExtensionAndLeavesTheLabelBehind() {
-        Library library;
-        writePng(library.desktop("Screenshot 1.png"));
-        library.open();
+        TemporaryLibrary library;
+        library.writePng("Desktop/Screenshot 1.png");
+        QVERIFY(library.openUntilIdle());
         const auto original = library.item("Screenshot 1.png");
         QVERIFY(original);
         const QByteArray bytes = [&] {
             QFile file(original->path());
             return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         }();
-        library.metaStore.setColorLabel(ColorLabel::red, original->path());
-        ThumbnailActions actions(library.metaStore);
-        actions.setLibrary(library.store.get());
+        library.metadata.setColorLabel(ColorLabel::red, original->path());
+        ThumbnailActions actions(library.metadata);
+        actions.setLibrary(&library.store());
 
         PromptSeen first;
         answerPrompt("Rename Screenshot", "Bug 12", "Rename", &first);
@@ -424,8 +349,8 @@ private Q_SLOTS:
         QVERIFY(renamed.open(QIODevice::ReadOnly));
         QCOMPARE(renamed.readAll(), bytes);
         // The label stays filed under the old name.
-        QVERIFY(!library.metaStore.recordFor(library.desktop("Bug 12.png")).colorLabel);
-        QCOMPARE(library.metaStore.recordFor(original->path()).colorLabel, ColorLabel::red);
+        QVERIFY(!library.metadata.recordFor(library.desktop("Bug 12.png")).colorLabel);
+        QCOMPARE(library.metadata.recordFor(original->path()).colorLabel, ColorLabel::red);
 
         // A typed extension is part of the name.
         PromptSeen second;
@@ -449,10 +374,10 @@ private Q_SLOTS:
     }
 
     void renameOntoAnExistingNameFailsAndKeepsBothFiles() {
-        Library library;
-        writePng(library.desktop("a.png"), {320, 200}, Qt::white, Qt::white);
-        writePng(library.desktop("b.png"), {320, 200}, Qt::black, Qt::black);
-        library.open();
+        TemporaryLibrary library;
+        library.writePng("Desktop/a.png", {320, 200}, Qt::white, Qt::white);
+        library.writePng("Desktop/b.png", {320, 200}, Qt::black, Qt::black);
+        QVERIFY(library.openUntilIdle());
         QFile aFile(library.desktop("a.png"));
         QFile bFile(library.desktop("b.png"));
         QVERIFY(aFile.open(QIODevice::ReadOnly) && bFile.open(QIODevice::ReadOnly));
@@ -460,8 +385,8 @@ private Q_SLOTS:
         const QByteArray b = bFile.readAll();
         aFile.close();
         bFile.close();
-        ThumbnailActions actions(library.metaStore);
-        actions.setLibrary(library.store.get());
+        ThumbnailActions actions(library.metadata);
+        actions.setLibrary(&library.store());
 
         PromptSeen prompt;
         QString failureText;
@@ -494,11 +419,11 @@ private Q_SLOTS:
     }
 
     void copyImagePutsThePicturesPixelsOnTheClipboard() {
-        Library library;
-        writePng(library.desktop("Shot.png"), {37, 23}, QColor(10, 200, 30), QColor(250, 5, 120));
-        writeBytes(library.desktop("Broken.png"), "\x89PNG\r\n\x1a\n but then nothing");
-        library.open();
-        ThumbnailActions actions(library.metaStore);
+        TemporaryLibrary library;
+        library.writePng("Desktop/Shot.png", {37, 23}, QColor(10, 200, 30), QColor(250, 5, 120));
+        library.writeFile("Desktop/Broken.png", "\x89PNG\r\n\x1a\n but then nothing");
+        QVERIFY(library.openUntilIdle());
+        ThumbnailActions actions(library.metadata);
         QClipboard* clipboard = QGuiApplication::clipboard();
 
         clipboard->setText("before");
@@ -525,11 +450,11 @@ private Q_SLOTS:
     }
 
     void labelledCellIsFramedInItsColourAndVideoCellCarriesThePlayBadge() {
-        Library library;
-        writePng(library.desktop("Labelled.png"));
-        writePng(library.desktop("Plain.png"));
-        writeBytes(library.desktop("clip.mp4"), "not really a recording");
-        library.open();
+        TemporaryLibrary library;
+        library.writePng("Desktop/Labelled.png");
+        library.writePng("Desktop/Plain.png");
+        library.writeFile("Desktop/clip.mp4", "not really a recording");
+        QVERIFY(library.openUntilIdle());
         Gallery gallery(library);
         const QRect labelled = gallery.rectOf("Labelled.png");
         const QRect plain = gallery.rectOf("Plain.png");
@@ -577,12 +502,12 @@ private Q_SLOTS:
     }
 
     void hoverShowsTheCardOnlyForCellsWithDetails() {
-        Library library;
-        writePng(library.desktop("Tagged.png"));
-        writePng(library.desktop("Plain.png"));
-        library.open();
-        library.metaStore.setEvent(ScreenshotEvent{"Design review", ""},
-                                   library.item("Tagged.png")->path());
+        TemporaryLibrary library;
+        library.writePng("Desktop/Tagged.png");
+        library.writePng("Desktop/Plain.png");
+        QVERIFY(library.openUntilIdle());
+        library.metadata.setEvent(ScreenshotEvent{"Design review", ""},
+                                  library.item("Tagged.png")->path());
         Gallery gallery(library);
         QWidget* viewport = gallery.view.viewport();
 
@@ -625,8 +550,8 @@ private Q_SLOTS:
     }
 
     void oddRowsAndSizesDrawSafely() {
-        Library library;
-        ScreenshotThumbnail cell(library.metaStore);
+        TemporaryLibrary library;
+        ScreenshotThumbnail cell(library.metadata);
         QStandardItemModel model;
         model.appendRow(new QStandardItem("no capture here"));
         QImage sliverPicture(1, 500, QImage::Format_RGB32);
@@ -636,8 +561,8 @@ private Q_SLOTS:
         auto* withItem = new QStandardItem();
         withItem->setData(QVariant::fromValue(sliver), ScreenshotListModel::ItemRole);
         model.appendRow(withItem);
-        library.metaStore.setEvent(ScreenshotEvent{QString(300, QLatin1Char('x')), ""},
-                                   sliver.path());
+        library.metadata.setEvent(ScreenshotEvent{QString(300, QLatin1Char('x')), ""},
+                                  sliver.path());
 
         QImage canvas(200, 200, QImage::Format_ARGB32_Premultiplied);
         canvas.fill(Qt::transparent);
@@ -661,9 +586,9 @@ private Q_SLOTS:
     }
 
     void clickSelectsTheCellAndRightClickOpensItsMenu() {
-        Library library;
-        writePng(library.desktop("Shot.png"));
-        library.open();
+        TemporaryLibrary library;
+        library.writePng("Desktop/Shot.png");
+        QVERIFY(library.openUntilIdle());
         Gallery gallery(library);
         QWidget* viewport = gallery.view.viewport();
         const QRect rect = gallery.rectOf("Shot.png");
