@@ -30,14 +30,14 @@
 #include <vector>
 
 #include "bench_support.h"
+#include "gallery/gallery_grid_view.h"
+#include "gallery/menu_bar_view.h"
+#include "gallery/screenshot_filter_model.h"
 #include "library/capture_registry.h"
 #include "library/screenshot_store.h"
 #include "storage/screenshot_metadata_store.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
-#include "gallery/gallery_grid_view.h"
-#include "gallery/menu_bar_view.h"
-#include "gallery/screenshot_filter_model.h"
 
 namespace {
 

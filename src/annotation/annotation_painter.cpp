@@ -104,12 +104,12 @@ void paintPolyline(QPainter& painter, const QVector<QPointF>& points, qreal widt
 
 void paintArrow(QPainter& painter, const QPointF& from, const QPointF& to, const QColor& color,
                 qreal headLength) {
-    constexpr qreal headSpread = std::numbers::pi / 6.0;
+    constexpr qreal kHeadSpread = std::numbers::pi / 6.0;
     const qreal angle = std::atan2(to.y() - from.y(), to.x() - from.x());
     const QPointF corner1 =
-        to - headLength * QPointF(std::cos(angle - headSpread), std::sin(angle - headSpread));
+        to - headLength * QPointF(std::cos(angle - kHeadSpread), std::sin(angle - kHeadSpread));
     const QPointF corner2 =
-        to - headLength * QPointF(std::cos(angle + headSpread), std::sin(angle + headSpread));
+        to - headLength * QPointF(std::cos(angle + kHeadSpread), std::sin(angle + kHeadSpread));
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, true);
     painter.setPen(QPen(color, kAnnotationOutlineWidth));

@@ -9,23 +9,23 @@
 #include <QSystemTrayIcon>
 #include <QTimer>
 
-#include "area_capture/annotation_overlay_controller.h"
-#include "preview/screenshot_preview_window_controller.h"
 #include "app/bar_icon.h"
 #include "app/clear_screen_starter.h"
-#include "widgets/popover_placement.h"
-#include "app/popover_window.h"
 #include "app/hot_key_manager.h"
+#include "app/popover_window.h"
+#include "area_capture/annotation_overlay_controller.h"
+#include "gallery/menu_bar_view.h"
+#include "gallery/pill_panel.h"
 #include "library/screenshot_store.h"
 #include "platform/click_monitor.h"
 #include "platform/notifier.h"
 #include "platform/platform_services.h"
 #include "platform/sound_player.h"
 #include "platform/window_unmap_watcher.h"
+#include "preview/screenshot_preview_window_controller.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"
-#include "gallery/menu_bar_view.h"
-#include "gallery/pill_panel.h"
+#include "widgets/popover_placement.h"
 
 Q_LOGGING_CATEGORY(lcApp, "quillix.app")
 
@@ -54,8 +54,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     buildTrayIcon();
     buildPopover();
     if (!UserDefaults::shared().hasSeenOnboarding()) {
-        qCInfo(lcApp).noquote()
-            << QStringLiteral("Quillix: first run; the welcome slides come in a later version");
+        qCInfo(lcApp).noquote() << QStringLiteral(
+            "Quillix: first run; the welcome slides come in a later version");
     }
     runCleanUpAtLaunch();
     setUpHotkeys();
@@ -314,15 +314,15 @@ void AppDelegate::captureArea() {
 
 void AppDelegate::recordWindow() {
     startOnClearScreen(kRecordingLatestStartMs, [] {
-        qCInfo(lcApp).noquote()
-            << QStringLiteral("Quillix: window recording comes in a later version");
+        qCInfo(lcApp).noquote() << QStringLiteral(
+            "Quillix: window recording comes in a later version");
     });
 }
 
 void AppDelegate::recordScreen() {
     startOnClearScreen(kRecordingLatestStartMs, [] {
-        qCInfo(lcApp).noquote()
-            << QStringLiteral("Quillix: screen recording comes in a later version");
+        qCInfo(lcApp).noquote() << QStringLiteral(
+            "Quillix: screen recording comes in a later version");
     });
 }
 

@@ -31,8 +31,8 @@ bool fitsUnsigned32(qint64 value) {
 
 // What a grab sees of a binding: its key and the four known modifiers.
 bool sameCombination(const HotkeyBinding& first, const HotkeyBinding& second) {
-    constexpr qint64 kKnown = KeyModifiers::kSuper | KeyModifiers::kShift |
-                             KeyModifiers::kAlt | KeyModifiers::kControl;
+    constexpr qint64 kKnown =
+        KeyModifiers::kSuper | KeyModifiers::kShift | KeyModifiers::kAlt | KeyModifiers::kControl;
     return first.keyCode == second.keyCode &&
            (first.modifiers & kKnown) == (second.modifiers & kKnown);
 }
@@ -84,15 +84,15 @@ void HotKeyManager::registerHotkey(quint32 keyCode, qint64 modifiers, quint32 id
             << QStringLiteral("⚠️ Quillix: failed to register hotkey id %1, error %2")
                    .arg(id)
                    .arg(status);
-        qCWarning(lcHotkeys).noquote() << QStringLiteral("⚠️ Quillix: %1 %2")
-                                              .arg(displayString(binding),
-                                                   failureReason(binding, status));
+        qCWarning(lcHotkeys).noquote()
+            << QStringLiteral("⚠️ Quillix: %1 %2")
+                   .arg(displayString(binding), failureReason(binding, status));
         return;
     }
     registered_.append({id, binding});
     qCInfo(lcHotkeys).noquote() << QStringLiteral("✅ Quillix: hotkey %1 registered (id %2)")
-                                        .arg(displayString(binding))
-                                        .arg(id);
+                                       .arg(displayString(binding))
+                                       .arg(id);
 }
 
 // A combination is refused either because it is taken (by another program,

@@ -82,7 +82,7 @@ void FilterChip::leaveEvent(QEvent* event) {
 QColor FilterChip::contentColor() const {
     const QPalette& colors = palette();
     const QColor unselected = widget_style::mix(widget_style::secondary(colors),
-                                                 widget_style::primary(colors), hoverProgress_);
+                                                widget_style::primary(colors), hoverProgress_);
     return widget_style::mix(unselected, widget_style::accent(colors), selectProgress_);
 }
 

@@ -10,9 +10,9 @@
 #include <QUrl>
 #include <QVariantAnimation>
 
-#include "widgets/symbol_icon.h"
 #include "library/screenshot_store.h"
 #include "platform/sound_player.h"
+#include "widgets/symbol_icon.h"
 
 namespace {
 

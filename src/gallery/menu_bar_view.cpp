@@ -17,20 +17,20 @@
 #include <cmath>
 #include <functional>
 
-#include "widgets/symbol_icon.h"
-#include "library/screenshot_store.h"
-#include "storage/screenshot_metadata_store.h"
-#include "storage/user_settings.h"
 #include "gallery/color_swatch.h"
 #include "gallery/filter_chip.h"
 #include "gallery/filter_toggle_button.h"
 #include "gallery/gallery_grid_view.h"
-#include "widgets/widget_style.h"
 #include "gallery/pill_panel.h"
 #include "gallery/screenshot_filter_model.h"
 #include "gallery/screenshot_list_model.h"
 #include "gallery/screenshot_thumbnail.h"
+#include "library/screenshot_store.h"
+#include "storage/screenshot_metadata_store.h"
+#include "storage/user_settings.h"
 #include "widgets/shortcut_view.h"
+#include "widgets/symbol_icon.h"
+#include "widgets/widget_style.h"
 
 // The logo lives in the application's resources, which a static library
 // must register itself.

@@ -5,9 +5,9 @@
 #include <array>
 #include <optional>
 
+#include "gallery/gallery_filter.h"
 #include "library/screenshot_item.h"
 #include "storage/color_label.h"
-#include "gallery/gallery_filter.h"
 
 class ColorSwatch;
 class FilterToggleButton;

@@ -8,8 +8,8 @@
 #include <QVBoxLayout>
 #include <QVariantAnimation>
 
-#include "widgets/popover_placement.h"
 #include "gallery/menu_bar_view.h"
+#include "widgets/popover_placement.h"
 
 namespace {
 

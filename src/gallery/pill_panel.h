@@ -1,7 +1,7 @@
 #pragma once
 
-#include "widgets/floating_panel.h"
 #include "gallery/footer_pill_view.h"
+#include "widgets/floating_panel.h"
 
 class QVariantAnimation;
 

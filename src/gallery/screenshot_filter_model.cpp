@@ -1,7 +1,7 @@
 #include "gallery/screenshot_filter_model.h"
 
-#include "storage/screenshot_metadata_store.h"
 #include "gallery/screenshot_list_model.h"
+#include "storage/screenshot_metadata_store.h"
 
 ScreenshotFilterModel::ScreenshotFilterModel(ScreenshotListModel& source, QObject* parent)
     : QSortFilterProxyModel(parent),

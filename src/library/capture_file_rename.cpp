@@ -1,12 +1,12 @@
 #include "library/capture_file_rename.h"
 
 #include <fcntl.h>
-#include <cstdio>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 std::optional<QString> renamedCapturePath(const QString& path, const QString& typedName) {

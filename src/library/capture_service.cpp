@@ -107,8 +107,8 @@ void CaptureService::captureWindow(quint32 windowId) {
     auto scratch = std::make_shared<QTemporaryDir>(
         QDir(QDir::tempPath()).filePath(QStringLiteral("quillix-capture-XXXXXX")));
     if (!scratch->isValid()) {
-        qCWarning(lcCapture).noquote() << QStringLiteral("⚠️ Quillix: captureWindow failed: ") +
-                                               scratch->errorString();
+        qCWarning(lcCapture).noquote()
+            << QStringLiteral("⚠️ Quillix: captureWindow failed: ") + scratch->errorString();
         return;
     }
     const CaptureDestination destination = newCaptureDestination();
@@ -159,12 +159,14 @@ void CaptureService::finishNewCapture(const NewCaptureFile& file, const QImage& 
     if (file.written()) {
         const QString where = QStringLiteral("Saved as %1 because %2.").arg(file.path, why);
         qCWarning(lcCapture).noquote()
-            << QStringLiteral("⚠️ Quillix: screenshot saved as %1 because %2").arg(file.path, why);
+            << QStringLiteral("⚠️ Quillix: screenshot saved as %1 because %2")
+                   .arg(file.path, why);
         followUp(file.path, image, pngData, where, true);
         return;
     }
     qCWarning(lcCapture).noquote()
-        << QStringLiteral("⚠️ Quillix: screenshot not saved: %1; it is on the clipboard").arg(why);
+        << QStringLiteral("⚠️ Quillix: screenshot not saved: %1; it is on the clipboard")
+               .arg(why);
     putImageOnClipboard(image, pngData);
     const QString elsewhere =
         file.saveFolder.isEmpty() ? QString() : QStringLiteral(", nor could any other folder");

@@ -70,8 +70,8 @@ QImage flattenOntoPicture(const QImage& picture, const QVector<Annotation>& anno
     if (movedCrop) {
         movedCrop->translate(offset);
     }
-    QImage flattened = renderAnnotatedImage(source, movedBy(annotations, offset), movedCrop,
-                                            pixelsPerPoint);
+    QImage flattened =
+        renderAnnotatedImage(source, movedBy(annotations, offset), movedCrop, pixelsPerPoint);
     flattened.setDevicePixelRatio(picture.devicePixelRatio());
     return flattened;
 }

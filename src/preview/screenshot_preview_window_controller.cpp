@@ -16,8 +16,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "preview/screenshot_preview_view.h"
 #include "library/screenshot_store.h"
+#include "preview/screenshot_preview_view.h"
 #include "storage/screenshot_metadata_store.h"
 
 namespace {

@@ -1,7 +1,6 @@
 #include "storage/atomic_file.h"
 
 #include <fcntl.h>
-#include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
+#include <cstdio>
 
 namespace {
 

@@ -370,7 +370,7 @@ TEST_F(HotKeyManagerTest, UngrabbableBindingsFailWithBadValue) {
     LogCapture capture;
     manager->registerHotkey(52, KeyModifiers::kSuper, 3);          // no key at that position
     manager->registerHotkey(1000 + 300, KeyModifiers::kSuper, 4);  // beyond X keycodes
-    manager->registerHotkey(19, -1, 5);                               // damaged masks
+    manager->registerHotkey(19, -1, 5);                            // damaged masks
     manager->registerHotkey(19, qint64{1} << 32, 6);
     manager->registerHotkey(19, KeyModifiers::kSuper, 3);
     EXPECT_EQ(capture.lines(),

@@ -19,13 +19,13 @@
 #include <cstdlib>
 #include <optional>
 
-#include "area_capture/annotation_overlay_controller.h"
 #include "app/app_delegate.h"
 #include "app/bar_icon.h"
+#include "area_capture/annotation_overlay_controller.h"
+#include "gallery/menu_bar_view.h"
 #include "library/screenshot_item.h"
 #include "platform/platform_services.h"
 #include "platform/window_unmap_watcher.h"
-#include "gallery/menu_bar_view.h"
 #include "widgets/window_corners.h"
 
 namespace {

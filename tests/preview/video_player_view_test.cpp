@@ -14,9 +14,9 @@
 #include <QtTest>
 
 #include "annotation/annotation_sidebar.h"
-#include "preview/screenshot_preview_view.h"
 #include "library/capture_registry.h"
 #include "library/screenshot_store.h"
+#include "preview/screenshot_preview_view.h"
 #include "storage/screenshot_metadata_store.h"
 #include "storage/user_defaults.h"
 #include "storage/user_settings.h"

@@ -17,8 +17,8 @@ class ShortcutViewTest : public QObject {
 private Q_SLOTS:
     void glyphsComeInViewOrderThenTheLayoutsLabel() {
         CyrillicLayout layout;
-        const qint64 all = KeyModifiers::kSuper | KeyModifiers::kShift |
-                           KeyModifiers::kAlt | KeyModifiers::kControl;
+        const qint64 all = KeyModifiers::kSuper | KeyModifiers::kShift | KeyModifiers::kAlt |
+                           KeyModifiers::kControl;
         ShortcutView view({6, all}, layout);
         QCOMPARE(view.shownText(), QStringLiteral("⌘⇧⌥⌃Ж"));
         // Screen readers and tooltips get the text form with the fixed key name.
