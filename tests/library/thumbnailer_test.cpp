@@ -59,14 +59,16 @@ private:
     FfmpegVideoFrameReader reader_;
 };
 
-// What a thumbnailer announced, from the moment the record is made.
+// What a thumbnailer announced while the record lives: its connections go
+// with it, so a later announcement never reaches a record already gone.
 struct Announcements {
     explicit Announcements(Thumbnailer& thumbnailer) {
-        QObject::connect(&thumbnailer, &Thumbnailer::thumbnailsDecoded,
+        QObject::connect(&thumbnailer, &Thumbnailer::thumbnailsDecoded, &receiver,
                          [this](const QHash<QString, QImage>& byId) { decoded.insert(byId); });
-        QObject::connect(&thumbnailer, &Thumbnailer::fillingFinished,
+        QObject::connect(&thumbnailer, &Thumbnailer::fillingFinished, &receiver,
                          [this] { ++finishedFillings; });
     }
+    QObject receiver;
     QHash<QString, QImage> decoded;
     int finishedFillings = 0;
 };
