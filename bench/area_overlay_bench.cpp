@@ -35,7 +35,7 @@
 
 #include "area_capture/annotation_overlay_controller.h"
 #include "bench_support.h"
-#include "storage/user_defaults.h"
+#include "storage/preferences.h"
 
 extern char** environ;
 
@@ -223,7 +223,7 @@ int main(int argc, char** argv) {
     qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
     qputenv("XDG_DATA_HOME", home.filePath(QStringLiteral("data")).toUtf8());
     QApplication app(argc, argv);
-    UserDefaults::shared().setCustomSaveFolder(home.filePath(QStringLiteral("captures")));
+    Preferences::shared().setCustomSaveFolder(home.filePath(QStringLiteral("captures")));
     QScreen* screen = QGuiApplication::primaryScreen();
     const QSize pixels = screen->geometry().size() * screen->devicePixelRatio();
     std::printf("screen %dx%d pixels on %s\n", pixels.width(), pixels.height(),

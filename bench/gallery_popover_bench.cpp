@@ -35,8 +35,8 @@
 #include "gallery/screenshot_filter_model.h"
 #include "library/capture_registry.h"
 #include "library/screenshot_store.h"
+#include "storage/preferences.h"
 #include "storage/screenshot_metadata_store.h"
-#include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 
 namespace {
@@ -120,10 +120,10 @@ int main(int argc, char** argv) {
     CaptureRegistry registry(dataDir, legacyDir);
     UserSettings settings(dataDir, legacyDir);
     settings.setShowOnlyQuillixItems(false);
-    UserDefaults defaults(home.filePath(QStringLiteral("config/Quillix.conf")));
+    Preferences preferences(home.filePath(QStringLiteral("config/Quillix.conf")));
     ScreenshotMetadataStore metaStore(dataDir);
     ScreenshotStore store(desktop, home.filePath(QStringLiteral("Pictures/Screenshots")), registry,
-                          settings, defaults);
+                          settings, preferences);
     if (!store.waitForIdle(60000)) {
         // Measured anyway; the set-up line says how many thumbnails arrived.
         std::printf("note: the library did not report idle within 60 s\n");

@@ -26,7 +26,7 @@
 #include "bench_support.h"
 #include "library/capture_registry.h"
 #include "library/screenshot_store.h"
-#include "storage/user_defaults.h"
+#include "storage/preferences.h"
 #include "storage/user_settings.h"
 
 namespace {
@@ -179,7 +179,7 @@ int main(int argc, char** argv) {
     }
     UserSettings settings(dataDir, home.filePath(QStringLiteral("legacy")));
     settings.setShowOnlyQuillixItems(true);
-    UserDefaults defaults(home.filePath(QStringLiteral("config/Quillix.conf")));
+    Preferences preferences(home.filePath(QStringLiteral("config/Quillix.conf")));
     const QString screenshotsFolder = home.filePath(QStringLiteral("Pictures/Screenshots"));
 
     std::vector<double> coldListed;
@@ -189,7 +189,7 @@ int main(int argc, char** argv) {
     for (int run = 0; run < kColdRuns; ++run) {
         const ColdScanFigures figures = measureColdScan([&] {
             return std::make_unique<ScreenshotStore>(desktop, screenshotsFolder, registry, settings,
-                                                     defaults);
+                                                     preferences);
         });
         coldListed.push_back(figures.listedMs);
         coldFirstThumbnails.push_back(figures.firstThumbnailsMs);
@@ -202,7 +202,7 @@ int main(int argc, char** argv) {
     std::printf("cold scan CPU: median %.0f ms = %.1f ms per file\n", median(coldCpu),
                 median(coldCpu) / kFileCount);
 
-    ScreenshotStore store(desktop, screenshotsFolder, registry, settings, defaults);
+    ScreenshotStore store(desktop, screenshotsFolder, registry, settings, preferences);
     store.waitForIdle(120000);
     std::vector<double> warm;
     for (int run = 0; run < kWarmRuns; ++run) {

@@ -23,7 +23,7 @@
 #include "platform/sound_player.h"
 #include "platform/window_unmap_watcher.h"
 #include "preview/screenshot_preview_window_controller.h"
-#include "storage/user_defaults.h"
+#include "storage/preferences.h"
 #include "storage/user_settings.h"
 #include "widgets/popover_placement.h"
 
@@ -53,7 +53,7 @@ AppDelegate::~AppDelegate() {
 void AppDelegate::applicationDidFinishLaunching() {
     buildTrayIcon();
     buildPopover();
-    if (!UserDefaults::shared().hasSeenOnboarding()) {
+    if (!Preferences::shared().hasSeenOnboarding()) {
         qCInfo(lcApp).noquote() << QStringLiteral(
             "Quillix: first run; the welcome slides come in a later version");
     }
@@ -100,7 +100,7 @@ void AppDelegate::buildPopover() {
         }
     });
 
-    const QString customIcon = UserDefaults::shared().customAppIconPath();
+    const QString customIcon = Preferences::shared().customAppIconPath();
     if (!customIcon.isEmpty()) {
         applyCustomBarIcon(customIcon);
     }
@@ -226,7 +226,7 @@ void AppDelegate::closeOutsideClick(const QPoint& globalPosition, bool onOwnWind
 void AppDelegate::runCleanUpAtLaunch() {
     // The library publishes its first scan only after this launch sequence has
     // returned, so this finds an empty list: older captures stay listed.
-    ScreenshotStore::shared().autoClear(UserDefaults::shared().autoClearDays());
+    ScreenshotStore::shared().autoClear(Preferences::shared().autoClearDays());
 }
 
 void AppDelegate::setUpHotkeys() {

@@ -23,14 +23,6 @@ QString systemMessage(int error) {
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
-std::optional<quint64> inodeOf(const QString& path) {
-    struct stat status {};
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
-        return std::nullopt;
-    }
-    return static_cast<quint64>(status.st_ino);
-}
-
 // Writes under the first free numbered name in `folder`; the path, or empty
 // with `problem` set.
 QString writeUnderFreeName(const QByteArray& bytes, const QString& folder, const QString& fileName,
@@ -118,7 +110,7 @@ QFuture<bool> rewriteCapture(const QString& path, std::function<QByteArray()> pr
     return QtConcurrent::run([path, produce = std::move(produceBytes)] {
                RewriteOutcome outcome;
                // The inode before the rewrite decides the status.
-               outcome.previousInode = inodeOf(path);
+               outcome.previousInode = CaptureRegistry::inodeOf(path);
                const QByteArray bytes = produce();
                outcome.written =
                    !bytes.isEmpty() && writeFileAtomically(path, bytes, AtomicWriteMode::replace);

@@ -35,23 +35,30 @@ void CaptureRegistry::load() {
                       });
 }
 
-void CaptureRegistry::record(const QString& filePath) {
+std::optional<quint64> CaptureRegistry::inodeOf(const QString& filePath) {
     struct stat status {};
     if (::stat(QFile::encodeName(filePath).constData(), &status) != 0) {
+        return std::nullopt;
+    }
+    return static_cast<quint64>(status.st_ino);
+}
+
+void CaptureRegistry::record(const QString& filePath) {
+    const std::optional<quint64> inode = inodeOf(filePath);
+    if (!inode) {
         return;
     }
-    capturedInodes_.insert(static_cast<quint64>(status.st_ino));
+    capturedInodes_.insert(*inode);
     save();
 }
 
 void CaptureRegistry::moveRecord(quint64 previousInode, const QString& filePath) {
-    struct stat status {};
-    if (!capturedInodes_.contains(previousInode) ||
-        ::stat(QFile::encodeName(filePath).constData(), &status) != 0) {
+    const std::optional<quint64> inode = inodeOf(filePath);
+    if (!capturedInodes_.contains(previousInode) || !inode) {
         return;
     }
     capturedInodes_.erase(previousInode);
-    capturedInodes_.insert(static_cast<quint64>(status.st_ino));
+    capturedInodes_.insert(*inode);
     save();
 }
 

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QtGlobal>
+#include <optional>
 #include <unordered_set>
 
 #include "storage/envelope_file.h"
@@ -31,6 +32,10 @@ public:
     // which the file system hands out again, cannot make a stranger's file
     // ours. Nothing happens when `previousInode` is not ours.
     void moveRecord(quint64 previousInode, const QString& filePath);
+
+    // The file's inode number; nothing when it cannot be stat'ed. Safe on
+    // any thread.
+    static std::optional<quint64> inodeOf(const QString& filePath);
 
     bool contains(quint64 inode) const { return capturedInodes_.contains(inode); }
 

@@ -23,7 +23,7 @@
 #include "platform/platform_services.h"
 #include "platform/sound_player.h"
 #include "storage/envelope_file.h"
-#include "storage/user_defaults.h"
+#include "storage/preferences.h"
 
 Q_LOGGING_CATEGORY(lcCapture, "quillix.capture")
 
@@ -66,7 +66,7 @@ CaptureService& CaptureService::shared() {
     static auto* service = new CaptureService(Dependencies{
         CaptureRegistry::shared(),
         ScreenshotStore::shared(),
-        UserDefaults::shared(),
+        Preferences::shared(),
         PlatformServices::instance().notifier(),
         PlatformServices::instance().soundPlayer(),
         QStandardPaths::writableLocation(QStandardPaths::DesktopLocation),
@@ -92,7 +92,7 @@ QString CaptureService::screenshotFileName(const QDateTime& instant) {
 }
 
 QString CaptureService::saveFolder() const {
-    return dependencies_.defaults.customSaveFolder().value_or(dependencies_.desktopFolder);
+    return dependencies_.preferences.customSaveFolder().value_or(dependencies_.desktopFolder);
 }
 
 CaptureDestination CaptureService::newCaptureDestination() const {

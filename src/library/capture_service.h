@@ -14,7 +14,7 @@ class CaptureRegistry;
 class Notifier;
 class ScreenshotStore;
 class SoundPlayer;
-class UserDefaults;
+class Preferences;
 
 // Turns capture requests into PNG files in the save folder, and runs the one
 // follow-up sequence after every saved screenshot: record it as our own, put
@@ -31,7 +31,7 @@ public:
     struct Dependencies {
         CaptureRegistry& registry;
         ScreenshotStore& library;
-        UserDefaults& defaults;
+        Preferences& preferences;
         Notifier& notifier;
         SoundPlayer& sounds;
         QString desktopFolder;

@@ -1,7 +1,5 @@
 #include "library/screenshot_store.h"
 
-#include <sys/stat.h>
-
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QEventLoop>
@@ -19,7 +17,7 @@
 #include <vector>
 
 #include "library/capture_registry.h"
-#include "storage/user_defaults.h"
+#include "storage/preferences.h"
 #include "storage/user_settings.h"
 
 struct ScreenshotStore::ScanRequest {
@@ -27,14 +25,14 @@ struct ScreenshotStore::ScanRequest {
     bool onlyOwnCaptures = true;
     // A copy taken on the GUI thread: the registry itself is not thread-safe.
     std::unordered_set<quint64> ownInodes;
-    int limit = UserDefaults::kMaxScreenshotsDefault;
+    int limit = Preferences::kMaxScreenshotsDefault;
 };
 
 struct ScreenshotStore::ScanResult {
     // Newest first, without thumbnails; `files` runs parallel to it.
     QList<ScreenshotItem> items;
     std::vector<Thumbnailer::Source> files;
-    int limit = UserDefaults::kMaxScreenshotsDefault;
+    int limit = Preferences::kMaxScreenshotsDefault;
 };
 
 namespace {
@@ -58,14 +56,6 @@ QDateTime creationDate(const QFileInfo& info) {
     return birth.isValid() ? birth : info.lastModified();
 }
 
-std::optional<quint64> inodeOf(const QString& path) {
-    struct stat status {};
-    if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
-        return std::nullopt;
-    }
-    return static_cast<quint64>(status.st_ino);
-}
-
 // A listed file; its thumbnail is filled in after sorting and limiting.
 struct FoundFile {
     ScreenshotItem item;
@@ -86,7 +76,7 @@ void collectCaptureFiles(const QString& folder, bool onlyOwnCaptures,
         }
         const QString path = normalizedPath(info);
         if (onlyOwnCaptures) {
-            const std::optional<quint64> inode = inodeOf(path);
+            const std::optional<quint64> inode = CaptureRegistry::inodeOf(path);
             if (!inode || !ownInodes.contains(*inode)) {
                 continue;
             }
@@ -108,20 +98,20 @@ ScreenshotStore& ScreenshotStore::shared() {
         QStandardPaths::writableLocation(QStandardPaths::DesktopLocation),
         QStandardPaths::writableLocation(QStandardPaths::PicturesLocation) +
             QStringLiteral("/Screenshots"),
-        CaptureRegistry::shared(), UserSettings::shared(), UserDefaults::shared());
+        CaptureRegistry::shared(), UserSettings::shared(), Preferences::shared());
     return *instance;
 }
 
 ScreenshotStore::ScreenshotStore(const QString& desktopFolder, const QString& screenshotsFolder,
                                  CaptureRegistry& registry, UserSettings& settings,
-                                 UserDefaults& defaults,
+                                 Preferences& preferences,
                                  std::shared_ptr<const VideoFrameReader> videoFrameReader,
                                  QObject* parent)
     : QObject(parent),
       scanFolders_{desktopFolder, screenshotsFolder},
       registry_(registry),
       settings_(settings),
-      defaults_(defaults),
+      preferences_(preferences),
       thumbnailer_(std::move(videoFrameReader)) {
     pool_.setMaxThreadCount(std::max(1, QThread::idealThreadCount()));
     // The first scan is published from the event loop: the shell's launch
@@ -130,8 +120,8 @@ ScreenshotStore::ScreenshotStore(const QString& desktopFolder, const QString& sc
     startWatching();
     connect(&settings_, &UserSettings::showOnlyQuillixItemsChanged, this,
             &ScreenshotStore::refresh);
-    connect(&defaults_, &UserDefaults::valueChanged, this, [this](const QString& key) {
-        if (key == QLatin1String(UserDefaults::Key::maxScreenshots)) {
+    connect(&preferences_, &Preferences::valueChanged, this, [this](const QString& key) {
+        if (key == QLatin1String(Preferences::Key::maxScreenshots)) {
             refresh();
         }
     });
@@ -188,7 +178,7 @@ void ScreenshotStore::startScan() {
     if (request.onlyOwnCaptures) {
         request.ownInodes = registry_.inodes();
     }
-    request.limit = defaults_.maxScreenshots();
+    request.limit = preferences_.maxScreenshots();
     pool_.start([this, request = std::move(request)] {
         const ScanResult result = scan(request);
         QMetaObject::invokeMethod(

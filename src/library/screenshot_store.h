@@ -17,7 +17,7 @@
 
 class CaptureRegistry;
 class QFileSystemWatcher;
-class UserDefaults;
+class Preferences;
 class UserSettings;
 class VideoFrameReader;
 
@@ -48,7 +48,7 @@ class ScreenshotStore : public QObject {
 
 public:
     // Desktop and Pictures/Screenshots of the user, with the shared registry,
-    // settings and defaults. Created on first use.
+    // settings and preferences. Created on first use.
     static ScreenshotStore& shared();
 
     // Scans `desktopFolder` then `screenshotsFolder`. A null
@@ -56,7 +56,7 @@ public:
     // published from the event loop, never before the constructor's caller
     // returns to it.
     ScreenshotStore(const QString& desktopFolder, const QString& screenshotsFolder,
-                    CaptureRegistry& registry, UserSettings& settings, UserDefaults& defaults,
+                    CaptureRegistry& registry, UserSettings& settings, Preferences& preferences,
                     std::shared_ptr<const VideoFrameReader> videoFrameReader = nullptr,
                     QObject* parent = nullptr);
     ~ScreenshotStore() override;
@@ -151,7 +151,7 @@ private:
     QStringList scanFolders_;
     CaptureRegistry& registry_;
     UserSettings& settings_;
-    UserDefaults& defaults_;
+    Preferences& preferences_;
 
     QList<ScreenshotItem> screenshots_;
     QFileSystemWatcher* watcher_ = nullptr;

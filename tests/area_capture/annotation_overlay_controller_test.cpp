@@ -22,7 +22,7 @@
 #include "annotation/annotation_canvas_view.h"
 #include "annotation/annotation_toolbar.h"
 #include "annotation/color_picker_bridge.h"
-#include "storage/user_defaults.h"
+#include "storage/preferences.h"
 
 namespace {
 
@@ -450,7 +450,7 @@ int main(int argc, char** argv) {
     qputenv("HOME", home.path().toUtf8());
     QApplication app(argc, argv);
     g_saveFolder = home.filePath(QStringLiteral("captures/nested"));  // created on save
-    UserDefaults::shared().setCustomSaveFolder(g_saveFolder);
+    Preferences::shared().setCustomSaveFolder(g_saveFolder);
     AnnotationOverlayControllerTest test;
     return QTest::qExec(&test, argc, argv);
 }

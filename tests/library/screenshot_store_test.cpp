@@ -19,7 +19,7 @@
 #include "library/image_allocation_limit.h"
 #include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
 #include "sample_video.h"
-#include "storage/user_defaults.h"
+#include "storage/preferences.h"
 #include "storage/user_settings.h"
 #include "support/test_support.h"
 
@@ -74,7 +74,7 @@ protected:
     // A store whose first scan has been published.
     std::unique_ptr<ScreenshotStore> openStore() {
         auto store = std::make_unique<ScreenshotStore>(desktop(), screenshots(), registry, settings,
-                                                       defaults);
+                                                       preferences);
         EXPECT_TRUE(store->waitForIdle());
         return store;
     }
@@ -108,7 +108,7 @@ protected:
     TestFolder folder;
     CaptureRegistry registry{folder.dataDir(), folder.legacyDir()};
     UserSettings settings{folder.dataDir(), folder.legacyDir()};
-    UserDefaults defaults{folder.path("config/Quillix/Quillix.conf")};
+    Preferences preferences{folder.path("config/Quillix/Quillix.conf")};
 };
 
 TEST_F(ScreenshotStoreTest, ListsPngMp4AndMovOfBothFoldersInAnyCase) {
@@ -183,11 +183,11 @@ TEST_F(ScreenshotStoreTest, NewestFirstAndMaxScreenshotsIsTheListLength) {
     const auto store = openStore();
     EXPECT_EQ(names(*store), QStringList({"4.png", "3.png", "2.png", "1.png"}));
 
-    defaults.setMaxScreenshots(2);
+    preferences.setMaxScreenshots(2);
     ASSERT_TRUE(store->waitForIdle());
     EXPECT_EQ(names(*store), QStringList({"4.png", "3.png"}));
 
-    defaults.setMaxScreenshots(0);  // below 1 reads as 200
+    preferences.setMaxScreenshots(0);  // below 1 reads as 200
     ASSERT_TRUE(store->waitForIdle());
     EXPECT_EQ(names(*store).size(), 4);
     EXPECT_EQ(QDir(desktop()).entryList(QDir::Files).size(), 4);
@@ -242,7 +242,7 @@ TEST_F(ScreenshotStoreTest, AutoClearTrashesOnlyListedItemsOlderThanTheCutoff) {
     const QDateTime between = QDateTime::currentDateTimeUtc();
     pauseBetweenFileTimes();
     writePng(desktop("recent.png"));
-    defaults.setMaxScreenshots(3);
+    preferences.setMaxScreenshots(3);
 
     const auto store = openStore();
     ASSERT_EQ(names(*store), QStringList({"recent.png", "old-2.png", "old-1.png"}));
@@ -266,7 +266,7 @@ TEST_F(ScreenshotStoreTest, AutoClearBeforeTheFirstPublicationDoesNothing) {
     writePng(desktop("a.png"));
     writePng(desktop("b.png"));
 
-    ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults);
+    ScreenshotStore store(desktop(), screenshots(), registry, settings, preferences);
     EXPECT_TRUE(store.screenshots().isEmpty());
     store.autoClear(1, QDateTime::currentDateTimeUtc().addDays(30));
 
@@ -518,7 +518,7 @@ bool everyThumbnailShows(const ScreenshotStore& store, QColor left, QColor right
 
 TEST_F(ScreenshotStoreTest, TheListIsPublishedBeforeItsThumbnailsWhichFollowInBatches) {
     const QStringList files = writeLargePngs(desktop(), 40, {800, 500}, Qt::green, Qt::yellow);
-    ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults);
+    ScreenshotStore store(desktop(), screenshots(), registry, settings, preferences);
     store.stopWatching();
     const PublicationLog log(store);
     ASSERT_TRUE(store.waitForIdle());
@@ -547,7 +547,7 @@ TEST_F(ScreenshotStoreTest, TheListIsPublishedBeforeItsThumbnailsWhichFollowInBa
 
 TEST_F(ScreenshotStoreTest, ARescanDuringTheThumbnailFillingListsTheNewStateAndFillsEverything) {
     const QStringList files = writeLargePngs(desktop(), 30);
-    ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults);
+    ScreenshotStore store(desktop(), screenshots(), registry, settings, preferences);
     store.stopWatching();
     QObject::connect(&store, &ScreenshotStore::scanPublished, [&] {
         if (store.publishedScanCount() != 1) {
@@ -571,7 +571,7 @@ TEST_F(ScreenshotStoreTest, ARescanDuringTheThumbnailFillingListsTheNewStateAndF
 
 TEST_F(ScreenshotStoreTest, AFileDeletedDuringTheFillingStaysWithoutThumbnailUntilTheNextScan) {
     const QStringList files = writeLargePngs(desktop(), 30);
-    ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults);
+    ScreenshotStore store(desktop(), screenshots(), registry, settings, preferences);
     store.stopWatching();
     QString deleted;
     QObject::connect(&store, &ScreenshotStore::scanPublished, [&] {
@@ -599,7 +599,7 @@ TEST_F(ScreenshotStoreTest, VideosWithoutAFrameAreNotReadAgainOnRescan) {
     writeFileBytes(desktop("corrupt.mp4"), QByteArray(4096, 'x'));
     ASSERT_TRUE(writeSampleVideo(desktop("good.mp4")));
     const auto reader = std::make_shared<CountingVideoFrameReader>();
-    ScreenshotStore store(desktop(), screenshots(), registry, settings, defaults, reader);
+    ScreenshotStore store(desktop(), screenshots(), registry, settings, preferences, reader);
     store.stopWatching();
     const PublicationLog log(store);
     ASSERT_TRUE(store.waitForIdle());

@@ -28,8 +28,8 @@
 #include "library/screenshot_store.h"
 #include "preview/preview_sidebar.h"
 #include "preview/screenshot_preview_window_controller.h"
+#include "storage/preferences.h"
 #include "storage/screenshot_metadata_store.h"
-#include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 
 namespace {
@@ -65,9 +65,9 @@ struct Library {
     explicit Library(const QString& root)
         : registry(root + "/library-data", root + "/library-legacy"),
           settings(root + "/library-data", root + "/library-legacy"),
-          defaults(root + "/library-config/Quillix.conf"),
+          preferences(root + "/library-config/Quillix.conf"),
           store(root + "/library-desktop", root + "/library-screenshots", registry, settings,
-                defaults) {
+                preferences) {
         // The trash lives beside the files (the same file system).
         QDir().mkpath(root + "/xdg-data");
         qputenv("XDG_DATA_HOME", QFile::encodeName(root + "/xdg-data"));
@@ -81,7 +81,7 @@ struct Library {
 
     CaptureRegistry registry;
     UserSettings settings;
-    UserDefaults defaults;
+    Preferences preferences;
     ScreenshotStore store;
 };
 

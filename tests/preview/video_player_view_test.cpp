@@ -17,8 +17,8 @@
 #include "library/capture_registry.h"
 #include "library/screenshot_store.h"
 #include "preview/screenshot_preview_view.h"
+#include "storage/preferences.h"
 #include "storage/screenshot_metadata_store.h"
-#include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 
 class VideoPlayerViewTest : public QObject {
@@ -78,9 +78,9 @@ private Q_SLOTS:
         // A library of its own over empty folders: any scan was asked for.
         CaptureRegistry registry(data.filePath("library"), data.filePath("legacy"));
         UserSettings settings(data.filePath("library"), data.filePath("legacy"));
-        UserDefaults defaults(data.filePath("config/Quillix.conf"));
+        Preferences preferences(data.filePath("config/Quillix.conf"));
         ScreenshotStore library(data.filePath("desktop"), data.filePath("screenshots"), registry,
-                                settings, defaults);
+                                settings, preferences);
         ScreenshotPreviewView view(
             ScreenshotItem(clipPath, QDateTime::currentDateTime(), QDateTime::currentDateTime()),
             store, library);

@@ -27,7 +27,7 @@ TemporaryLibrary::TemporaryLibrary()
       hadDataHome_(qEnvironmentVariableIsSet(kDataHome)),
       registry(path(QStringLiteral("data/Quillix")), path(QStringLiteral("Documents/Quillix"))),
       settings(path(QStringLiteral("data/Quillix")), path(QStringLiteral("Documents/Quillix"))),
-      defaults(path(QStringLiteral("config/Quillix/Quillix.conf"))),
+      preferences(path(QStringLiteral("config/Quillix/Quillix.conf"))),
       metadata(path(QStringLiteral("data/Quillix"))) {
     QDir().mkpath(desktop());
     QDir().mkpath(path(QStringLiteral("data")));
@@ -98,7 +98,7 @@ QString TemporaryLibrary::writePng(const QString& relative, QSize size, const QC
 
 ScreenshotStore& TemporaryLibrary::open() {
     store_ = std::make_unique<ScreenshotStore>(
-        desktop(), path(QStringLiteral("Pictures/Screenshots")), registry, settings, defaults);
+        desktop(), path(QStringLiteral("Pictures/Screenshots")), registry, settings, preferences);
     return *store_;
 }
 

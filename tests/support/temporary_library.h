@@ -13,8 +13,8 @@
 #include "library/capture_registry.h"
 #include "library/screenshot_item.h"
 #include "library/screenshot_store.h"
+#include "storage/preferences.h"
 #include "storage/screenshot_metadata_store.h"
-#include "storage/user_defaults.h"
 #include "storage/user_settings.h"
 
 // A screenshot library of one test's own, in a temporary folder: a Desktop
@@ -74,7 +74,7 @@ private:
 public:
     CaptureRegistry registry;
     UserSettings settings;
-    UserDefaults defaults;
+    Preferences preferences;
     ScreenshotMetadataStore metadata;
 
 private:

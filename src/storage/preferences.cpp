@@ -1,19 +1,19 @@
-#include "storage/user_defaults.h"
+#include "storage/preferences.h"
 
 #include <QDir>
 #include <QStandardPaths>
 
 namespace {
 
-constexpr auto kLaunchAtLogin = UserDefaults::Key::launchAtLogin;
-constexpr auto kShowHUDOnCapture = UserDefaults::Key::showHUDOnCapture;
-constexpr auto kAutoDismissSeconds = UserDefaults::Key::autoDismissSeconds;
-constexpr auto kCustomAppIconPath = UserDefaults::Key::customAppIconPath;
-constexpr auto kCheckForUpdatesAutomatically = UserDefaults::Key::checkForUpdatesAutomatically;
-constexpr auto kMaxScreenshots = UserDefaults::Key::maxScreenshots;
-constexpr auto kAutoClearDays = UserDefaults::Key::autoClearDays;
-constexpr auto kCustomSaveFolder = UserDefaults::Key::customSaveFolder;
-constexpr auto kHasSeenOnboarding = UserDefaults::Key::hasSeenOnboarding;
+constexpr auto kLaunchAtLogin = Preferences::Key::launchAtLogin;
+constexpr auto kShowHUDOnCapture = Preferences::Key::showHUDOnCapture;
+constexpr auto kAutoDismissSeconds = Preferences::Key::autoDismissSeconds;
+constexpr auto kCustomAppIconPath = Preferences::Key::customAppIconPath;
+constexpr auto kCheckForUpdatesAutomatically = Preferences::Key::checkForUpdatesAutomatically;
+constexpr auto kMaxScreenshots = Preferences::Key::maxScreenshots;
+constexpr auto kAutoClearDays = Preferences::Key::autoClearDays;
+constexpr auto kCustomSaveFolder = Preferences::Key::customSaveFolder;
+constexpr auto kHasSeenOnboarding = Preferences::Key::hasSeenOnboarding;
 
 QString defaultsFilePath() {
     return QDir(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation))
@@ -34,88 +34,88 @@ QString resolvedAgainstHome(const QString& folder) {
 
 }  // namespace
 
-UserDefaults& UserDefaults::shared() {
-    static auto* instance = new UserDefaults(defaultsFilePath());
+Preferences& Preferences::shared() {
+    static auto* instance = new Preferences(defaultsFilePath());
     return *instance;
 }
 
-UserDefaults::UserDefaults(const QString& filePath, QObject* parent)
+Preferences::Preferences(const QString& filePath, QObject* parent)
     : QObject(parent), settings_(filePath, QSettings::IniFormat) {}
 
-void UserDefaults::store(const char* key, const QVariant& value) {
+void Preferences::store(const char* key, const QVariant& value) {
     settings_.setValue(QLatin1String(key), value);
     settings_.sync();
     Q_EMIT valueChanged(QLatin1String(key));
 }
 
-void UserDefaults::remove(const char* key) {
+void Preferences::remove(const char* key) {
     settings_.remove(QLatin1String(key));
     settings_.sync();
     Q_EMIT valueChanged(QLatin1String(key));
 }
 
-bool UserDefaults::launchAtLogin() const {
+bool Preferences::launchAtLogin() const {
     return settings_.value(QLatin1String(kLaunchAtLogin), kLaunchAtLoginDefault).toBool();
 }
 
-void UserDefaults::setLaunchAtLogin(bool enabled) {
+void Preferences::setLaunchAtLogin(bool enabled) {
     store(kLaunchAtLogin, enabled);
 }
 
-bool UserDefaults::showHUDOnCapture() const {
+bool Preferences::showHUDOnCapture() const {
     return settings_.value(QLatin1String(kShowHUDOnCapture), kShowHUDOnCaptureDefault).toBool();
 }
 
-void UserDefaults::setShowHUDOnCapture(bool enabled) {
+void Preferences::setShowHUDOnCapture(bool enabled) {
     store(kShowHUDOnCapture, enabled);
 }
 
-double UserDefaults::autoDismissSeconds() const {
+double Preferences::autoDismissSeconds() const {
     const double seconds = settings_.value(QLatin1String(kAutoDismissSeconds)).toDouble();
     return seconds > 0 ? seconds : kAutoDismissSecondsDefault;
 }
 
-void UserDefaults::setAutoDismissSeconds(double seconds) {
+void Preferences::setAutoDismissSeconds(double seconds) {
     store(kAutoDismissSeconds, seconds);
 }
 
-QString UserDefaults::customAppIconPath() const {
+QString Preferences::customAppIconPath() const {
     return settings_.value(QLatin1String(kCustomAppIconPath)).toString();
 }
 
-void UserDefaults::setCustomAppIconPath(const QString& path) {
+void Preferences::setCustomAppIconPath(const QString& path) {
     store(kCustomAppIconPath, path);
 }
 
-bool UserDefaults::checkForUpdatesAutomatically() const {
+bool Preferences::checkForUpdatesAutomatically() const {
     return settings_
         .value(QLatin1String(kCheckForUpdatesAutomatically), kCheckForUpdatesAutomaticallyDefault)
         .toBool();
 }
 
-void UserDefaults::setCheckForUpdatesAutomatically(bool enabled) {
+void Preferences::setCheckForUpdatesAutomatically(bool enabled) {
     store(kCheckForUpdatesAutomatically, enabled);
 }
 
-int UserDefaults::maxScreenshots() const {
+int Preferences::maxScreenshots() const {
     const int count = settings_.value(QLatin1String(kMaxScreenshots)).toInt();
     return count >= 1 ? count : kMaxScreenshotsDefault;
 }
 
-void UserDefaults::setMaxScreenshots(int count) {
+void Preferences::setMaxScreenshots(int count) {
     store(kMaxScreenshots, count);
 }
 
-int UserDefaults::autoClearDays() const {
+int Preferences::autoClearDays() const {
     const int days = settings_.value(QLatin1String(kAutoClearDays)).toInt();
     return days >= 1 ? days : kAutoClearDaysDefault;
 }
 
-void UserDefaults::setAutoClearDays(int days) {
+void Preferences::setAutoClearDays(int days) {
     store(kAutoClearDays, days);
 }
 
-std::optional<QString> UserDefaults::customSaveFolder() const {
+std::optional<QString> Preferences::customSaveFolder() const {
     const QString folder = settings_.value(QLatin1String(kCustomSaveFolder)).toString();
     // An empty path would mean the working folder, which is nobody's choice.
     if (folder.trimmed().isEmpty()) {
@@ -124,7 +124,7 @@ std::optional<QString> UserDefaults::customSaveFolder() const {
     return resolvedAgainstHome(folder);
 }
 
-void UserDefaults::setCustomSaveFolder(const std::optional<QString>& folder) {
+void Preferences::setCustomSaveFolder(const std::optional<QString>& folder) {
     if (folder) {
         store(kCustomSaveFolder, *folder);
     } else {
@@ -132,10 +132,10 @@ void UserDefaults::setCustomSaveFolder(const std::optional<QString>& folder) {
     }
 }
 
-bool UserDefaults::hasSeenOnboarding() const {
+bool Preferences::hasSeenOnboarding() const {
     return settings_.value(QLatin1String(kHasSeenOnboarding), false).toBool();
 }
 
-void UserDefaults::setHasSeenOnboarding(bool seen) {
+void Preferences::setHasSeenOnboarding(bool seen) {
     store(kHasSeenOnboarding, seen);
 }

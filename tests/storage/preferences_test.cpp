@@ -1,4 +1,4 @@
-#include "storage/user_defaults.h"
+#include "storage/preferences.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-class UserDefaultsTest : public testing::Test {
+class PreferencesTest : public testing::Test {
 protected:
     QString file() const { return folder.path("config/Quillix/Quillix.conf"); }
     // Writes a raw value the way another program (or a hand edit) would.
@@ -21,43 +21,43 @@ protected:
     TestFolder folder;
 };
 
-TEST_F(UserDefaultsTest, AbsentKeysReadAsTheirDefaults) {
-    UserDefaults defaults(file());
-    EXPECT_FALSE(defaults.launchAtLogin());
-    EXPECT_TRUE(defaults.showHUDOnCapture());
-    EXPECT_DOUBLE_EQ(defaults.autoDismissSeconds(), 7.0);
-    EXPECT_EQ(defaults.customAppIconPath(), QString());
-    EXPECT_TRUE(defaults.checkForUpdatesAutomatically());
-    EXPECT_EQ(defaults.maxScreenshots(), 200);
-    EXPECT_EQ(defaults.autoClearDays(), 30);
-    EXPECT_FALSE(defaults.customSaveFolder());
-    EXPECT_FALSE(defaults.hasSeenOnboarding());
+TEST_F(PreferencesTest, AbsentKeysReadAsTheirDefaults) {
+    Preferences preferences(file());
+    EXPECT_FALSE(preferences.launchAtLogin());
+    EXPECT_TRUE(preferences.showHUDOnCapture());
+    EXPECT_DOUBLE_EQ(preferences.autoDismissSeconds(), 7.0);
+    EXPECT_EQ(preferences.customAppIconPath(), QString());
+    EXPECT_TRUE(preferences.checkForUpdatesAutomatically());
+    EXPECT_EQ(preferences.maxScreenshots(), 200);
+    EXPECT_EQ(preferences.autoClearDays(), 30);
+    EXPECT_FALSE(preferences.customSaveFolder());
+    EXPECT_FALSE(preferences.hasSeenOnboarding());
 }
 
-TEST_F(UserDefaultsTest, OutOfRangeValuesReadAsTheDefault) {
+TEST_F(PreferencesTest, OutOfRangeValuesReadAsTheDefault) {
     storeRaw("maxScreenshots", 0);
     storeRaw("autoClearDays", -4);
     storeRaw("autoDismissSeconds", 0.0);
-    UserDefaults defaults(file());
-    EXPECT_EQ(defaults.maxScreenshots(), 200);
-    EXPECT_EQ(defaults.autoClearDays(), 30);
-    EXPECT_DOUBLE_EQ(defaults.autoDismissSeconds(), 7.0);
+    Preferences preferences(file());
+    EXPECT_EQ(preferences.maxScreenshots(), 200);
+    EXPECT_EQ(preferences.autoClearDays(), 30);
+    EXPECT_DOUBLE_EQ(preferences.autoDismissSeconds(), 7.0);
 
     storeRaw("maxScreenshots", "lots");
-    UserDefaults reread(file());
+    Preferences reread(file());
     EXPECT_EQ(reread.maxScreenshots(), 200);
 }
 
-TEST_F(UserDefaultsTest, StoredValuesPersistUnderTheirKeys) {
+TEST_F(PreferencesTest, StoredValuesPersistUnderTheirKeys) {
     {
-        UserDefaults defaults(file());
-        defaults.setMaxScreenshots(12);
-        defaults.setAutoClearDays(3);
-        defaults.setAutoDismissSeconds(2.5);
-        defaults.setCustomSaveFolder(QStringLiteral("/tmp/caps"));
-        defaults.setHasSeenOnboarding(true);
-        defaults.setCheckForUpdatesAutomatically(false);
-        defaults.setCustomAppIconPath(QStringLiteral("/tmp/i.png"));
+        Preferences preferences(file());
+        preferences.setMaxScreenshots(12);
+        preferences.setAutoClearDays(3);
+        preferences.setAutoDismissSeconds(2.5);
+        preferences.setCustomSaveFolder(QStringLiteral("/tmp/caps"));
+        preferences.setHasSeenOnboarding(true);
+        preferences.setCheckForUpdatesAutomatically(false);
+        preferences.setCustomAppIconPath(QStringLiteral("/tmp/i.png"));
     }
     QSettings raw(file(), QSettings::IniFormat);
     EXPECT_EQ(raw.value("maxScreenshots").toInt(), 12);
@@ -69,19 +69,19 @@ TEST_F(UserDefaultsTest, StoredValuesPersistUnderTheirKeys) {
     EXPECT_EQ(raw.value("customAppIconPath").toString(), "/tmp/i.png");
 }
 
-TEST_F(UserDefaultsTest, ClearingTheSaveFolderRemovesTheKeyAndAnnouncesIt) {
-    UserDefaults defaults(file());
-    QSignalSpy spy(&defaults, &UserDefaults::valueChanged);
-    defaults.setCustomSaveFolder(QStringLiteral("/tmp/caps"));
-    EXPECT_EQ(defaults.customSaveFolder(), QStringLiteral("/tmp/caps"));
-    defaults.setCustomSaveFolder(std::nullopt);
-    EXPECT_FALSE(defaults.customSaveFolder());
+TEST_F(PreferencesTest, ClearingTheSaveFolderRemovesTheKeyAndAnnouncesIt) {
+    Preferences preferences(file());
+    QSignalSpy spy(&preferences, &Preferences::valueChanged);
+    preferences.setCustomSaveFolder(QStringLiteral("/tmp/caps"));
+    EXPECT_EQ(preferences.customSaveFolder(), QStringLiteral("/tmp/caps"));
+    preferences.setCustomSaveFolder(std::nullopt);
+    EXPECT_FALSE(preferences.customSaveFolder());
     EXPECT_FALSE(QSettings(file(), QSettings::IniFormat).contains("customSaveFolder"));
     ASSERT_EQ(spy.count(), 2);
     EXPECT_EQ(spy.at(1).at(0).toString(), "customSaveFolder");
 }
 
-TEST_F(UserDefaultsTest, AnEmptySaveFolderIsAbsentAndARelativeOneLiesInHome) {
+TEST_F(PreferencesTest, AnEmptySaveFolderIsAbsentAndARelativeOneLiesInHome) {
     const QByteArray home = folder.path("home").toLocal8Bit();
     const QByteArray previousHome = qgetenv("HOME");
     qputenv("HOME", home);
@@ -96,7 +96,7 @@ TEST_F(UserDefaultsTest, AnEmptySaveFolderIsAbsentAndARelativeOneLiesInHome) {
     };
     for (const auto& [stored, expected] : cases) {
         storeRaw("customSaveFolder", stored);
-        EXPECT_EQ(UserDefaults(file()).customSaveFolder(), expected) << stored.toStdString();
+        EXPECT_EQ(Preferences(file()).customSaveFolder(), expected) << stored.toStdString();
     }
     qputenv("HOME", previousHome);
 }

@@ -10,14 +10,14 @@
 // spells their keys; each accessor applies the key's reading rule (for
 // example a "maxScreenshots" below 1 reads as 200). One shared instance,
 // confined to the GUI thread.
-class UserDefaults : public QObject {
+class Preferences : public QObject {
     Q_OBJECT
 
 public:
-    static UserDefaults& shared();
+    static Preferences& shared();
 
     // Reads and writes the given INI file (tests pass their own).
-    explicit UserDefaults(const QString& filePath, QObject* parent = nullptr);
+    explicit Preferences(const QString& filePath, QObject* parent = nullptr);
 
     // The stored key names, for code that reacts to valueChanged().
     struct Key {
