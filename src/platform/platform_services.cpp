@@ -6,6 +6,7 @@
 
 #include "platform/canberra/canberra_sound_player.h"
 #include "platform/dbus/freedesktop_notifier.h"
+#include "platform/ffmpeg/ffmpeg_screen_recorder.h"
 #include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
 #include "platform/window_unmap_watcher.h"
 #include "platform/x11/x11_click_monitor.h"
@@ -52,6 +53,7 @@ PlatformServices::PlatformServices()
         clickMonitor_ = X11ClickMonitor::create(connection, x11RootWindow(connection));
         windowUnmapWatcher_ =
             std::make_unique<X11WindowUnmapWatcher>(connection, x11RootWindow(connection));
+        screenRecorder_ = std::make_unique<FfmpegScreenRecorder>(qgetenv("DISPLAY"));
     }
 }
 

@@ -8,6 +8,7 @@ class ClickMonitor;
 class HotkeyBackend;
 class Notifier;
 class ScreenGrabber;
+class ScreenRecorderBackend;
 class SoundPlayer;
 class VideoFrameReader;
 class WindowUnmapWatcher;
@@ -31,6 +32,8 @@ public:
     HotkeyBackend* hotkeyBackend() { return hotkeyBackend_.get(); }
     ClickMonitor* clickMonitor() { return clickMonitor_.get(); }
     WindowUnmapWatcher* windowUnmapWatcher() { return windowUnmapWatcher_.get(); }
+    // Nothing where the screen cannot be recorded (no X11 display).
+    ScreenRecorderBackend* screenRecorder() { return screenRecorder_.get(); }
     // Whether a compositor draws the screen right now (it may start or stop
     // at any time). Where none can be asked, one is assumed.
     bool compositorRunning() const;
@@ -46,4 +49,5 @@ private:
     std::unique_ptr<HotkeyBackend> hotkeyBackend_;
     std::unique_ptr<ClickMonitor> clickMonitor_;
     std::unique_ptr<WindowUnmapWatcher> windowUnmapWatcher_;
+    std::unique_ptr<ScreenRecorderBackend> screenRecorder_;
 };
