@@ -100,7 +100,7 @@ QString VideoRecorder::takeOutputPath(const QDateTime& now) const {
     desktop.mkpath(QStringLiteral("."));
     const QString name = recordingFileName(now);
     for (int number = 1; number <= kMaxNumberedNames; ++number) {
-        const QString path = desktop.filePath(numberedCaptureName(name, number));
+        QString path = desktop.filePath(numberedCaptureName(name, number));
         const bool inUse = std::any_of(finishing_.begin(), finishing_.end(),
                                        [&](const auto& entry) { return entry.second == path; });
         if (!inUse) {
