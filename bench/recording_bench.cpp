@@ -12,7 +12,8 @@
 //   dropped     pictures grabbed but not encoded (the encoder was busy)
 //   repeated    frames that repeat the previous picture (ffmpeg: "dup")
 //   cpu/10s     CPU seconds (user + system) per 10 s of video
-//   rss         resident memory at 5 s, at the end, and the peak
+//   rss         resident memory at 5 s, at the end, and the peak (the whole
+//               process: Quillix's figure includes this program's own)
 //   stop→file   from the stop request to a finished, playable file
 
 #include <fcntl.h>
@@ -138,6 +139,7 @@ qint64 framesInFile(const QString& path) {
 }
 
 struct Figures {
+    QList<long> rssEveryTenSecondsMb;
     qint64 frames = 0;
     qint64 dropped = 0;
     qint64 repeated = 0;
@@ -159,6 +161,11 @@ void print(const char* who, const Figures& figures, int seconds) {
             : 0.0,
         videoSeconds > 0 ? figures.cpu / videoSeconds * 10 : 0.0, figures.atFive.rssKb / 1024,
         figures.atEnd.rssKb / 1024, figures.atEnd.peakKb / 1024, figures.stopToFileMs);
+    QStringList trace;
+    for (const long megabytes : figures.rssEveryTenSecondsMb) {
+        trace.append(QString::number(megabytes));
+    }
+    std::printf("%-9s rss every 10 s (MB): %s\n", who, qPrintable(trace.join(QLatin1Char(' '))));
     std::fflush(stdout);
 }
 
@@ -172,6 +179,9 @@ void waitAndSample(const QString& pid, int seconds, Figures* figures) {
         if (!sampledFive && clock.elapsed() >= 5000) {
             figures->atFive = memoryOf(pid);
             sampledFive = true;
+        }
+        if (clock.elapsed() >= (figures->rssEveryTenSecondsMb.size() + 1) * 10000LL) {
+            figures->rssEveryTenSecondsMb.append(memoryOf(pid).rssKb / 1024);
         }
     }
     figures->atEnd = memoryOf(pid);
@@ -275,6 +285,8 @@ std::optional<Figures> recordWithCommandLine(const QString& path, const QString&
     }
     Figures figures;
     waitAndSample(QString::number(pid), seconds, &figures);
+    // Not wait4's ru_maxrss: a spawned child inherits its parent's peak.
+    const long peakBeforeStop = figures.atEnd.peakKb;
     QElapsedTimer stopping;
     stopping.start();
     ::kill(pid, SIGINT);  // ffmpeg finishes its file on SIGINT, like pressing q
@@ -283,7 +295,7 @@ std::optional<Figures> recordWithCommandLine(const QString& path, const QString&
     wait4(pid, &status, 0, &usage);
     figures.stopToFileMs = static_cast<double>(stopping.nsecsElapsed()) / 1e6;
     figures.cpu = cpuSeconds(usage);
-    figures.atEnd.peakKb = usage.ru_maxrss;
+    figures.atEnd.peakKb = peakBeforeStop;
     figures.frames = framesInFile(path);
     // The last progress line: "frame= 1800 fps= 30 … dup=3 drop=0 speed=…".
     QFile logFile(logPath);

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QMetaObject>
 #include <QPointer>
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstring>
@@ -172,6 +173,8 @@ AvCodecContextPtr makeEncoder(const Pipeline& pipeline, qint64 bitRate, QString*
     encoder->framerate = {ScreenRecorderBackend::kFramesPerSecond, 1};
     encoder->bit_rate = bitRate;
     encoder->gop_size = FfmpegScreenRecorder::kKeyFrameIntervalFrames;
+    const auto cores = static_cast<int>(std::thread::hardware_concurrency());
+    encoder->thread_count = std::clamp(cores * 3 / 2, 1, FfmpegScreenRecorder::kMaxEncoderThreads);
     // libswscale's default conversion: BT.601 coefficients, limited range.
     encoder->colorspace = AVCOL_SPC_SMPTE170M;
     encoder->color_range = AVCOL_RANGE_MPEG;

@@ -21,9 +21,15 @@
 // file as an ordinary MP4 with its index in front, on a worker thread.
 class FfmpegScreenRecorder : public ScreenRecorderBackend {
 public:
-    // The x264 speed preset: fast enough to keep up with 1080p at 30 frames
-    // per second on two laptop cores while other programs run.
-    static constexpr const char* kEncoderPreset = "veryfast";
+    // The x264 speed preset. "ultrafast" keeps up with a busy 1080p screen
+    // at 30 frames per second on two shared cores, at half the CPU time and
+    // memory of "veryfast" (which falls behind there: bench_recording);
+    // screen content is mostly still, where the faster preset loses little.
+    static constexpr const char* kEncoderPreset = "ultrafast";
+    // x264 runs 1.5 threads per core, each holding pictures: capped, so a
+    // many-core machine does not pay hundreds of megabytes for speed it
+    // does not need.
+    static constexpr int kMaxEncoderThreads = 4;
     static constexpr int kKeyFrameIntervalFrames = 2 * kFramesPerSecond;
 
     // `displayName`: the X display to grab from, e.g. ":0".
