@@ -221,6 +221,13 @@ bool openEncoder(Pipeline& pipeline, qint64 bitRate, ScreenRecordingStartError* 
     return true;
 }
 
+bool fillBlack(AVFrame& frame) {
+    const ptrdiff_t strides[4] = {frame.linesize[0], frame.linesize[1], frame.linesize[2],
+                                  frame.linesize[3]};
+    return av_image_fill_black(frame.data, strides, AV_PIX_FMT_YUV420P, AVCOL_RANGE_MPEG,
+                               frame.width, frame.height) >= 0;
+}
+
 std::vector<AvFramePtr> allocatePictures(const QSize& size) {
     std::vector<AvFramePtr> pictures;
     for (int i = 0; i < kPicturesInCirculation; ++i) {
@@ -231,7 +238,9 @@ std::vector<AvFramePtr> allocatePictures(const QSize& size) {
         frame->format = AV_PIX_FMT_YUV420P;
         frame->width = size.width();
         frame->height = size.height();
-        if (av_frame_get_buffer(frame.get(), 0) < 0) {
+        // Filled at once, so their memory is taken now rather than the first
+        // time the encoder falls behind: memory stays flat while recording.
+        if (av_frame_get_buffer(frame.get(), 0) < 0 || !fillBlack(*frame)) {
             return {};
         }
         pictures.push_back(std::move(frame));
