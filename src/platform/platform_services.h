@@ -7,9 +7,11 @@
 class ClickMonitor;
 class HotkeyBackend;
 class Notifier;
+class PointerPicker;
 class ScreenGrabber;
 class SoundPlayer;
 class VideoFrameReader;
+class WindowList;
 class WindowUnmapWatcher;
 
 // The platform back ends the features talk to, chosen once at start-up for
@@ -31,6 +33,10 @@ public:
     HotkeyBackend* hotkeyBackend() { return hotkeyBackend_.get(); }
     ClickMonitor* clickMonitor() { return clickMonitor_.get(); }
     WindowUnmapWatcher* windowUnmapWatcher() { return windowUnmapWatcher_.get(); }
+    WindowList* windowList() { return windowList_.get(); }
+    // A new pointer picker for one picking session; nothing where the
+    // display server lets no program take the pointer.
+    std::unique_ptr<PointerPicker> createPointerPicker();
     // Whether a compositor draws the screen right now (it may start or stop
     // at any time). Where none can be asked, one is assumed.
     bool compositorRunning() const;
@@ -46,4 +52,5 @@ private:
     std::unique_ptr<HotkeyBackend> hotkeyBackend_;
     std::unique_ptr<ClickMonitor> clickMonitor_;
     std::unique_ptr<WindowUnmapWatcher> windowUnmapWatcher_;
+    std::unique_ptr<WindowList> windowList_;
 };
