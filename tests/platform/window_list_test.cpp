@@ -76,13 +76,6 @@ TEST(WindowList, OnlyOtherProgramsNormalWindowsAndDialogsOnScreenArePickable) {
               (std::vector<quint32>{0x400003, 0x400002, 0x400001}));
 }
 
-TEST(WindowList, TheFrameIsTheClientGrownByBorderAndDecorations) {
-    // openbox's extents: left 1, right 1, top 20, bottom 5.
-    EXPECT_EQ(x11_window_list::frameAround({101, 220, 400, 300}, 0, 1, 1, 20, 5),
-              QRect(100, 200, 402, 325));
-    EXPECT_EQ(x11_window_list::frameAround({10, 10, 50, 50}, 2, 0, 0, 0, 0), QRect(8, 8, 54, 54));
-}
-
 TEST(WindowList, TheDisplayShowingMostOfAWindowIsChosen) {
     const QList<QRect> displays{{0, 0, 1920, 1080}, {1920, 0, 1280, 1024}};
     // 220 pixels wide on the left display, 380 on the right one.
