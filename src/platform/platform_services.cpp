@@ -8,11 +8,15 @@
 #include "platform/dbus/freedesktop_notifier.h"
 #include "platform/ffmpeg/ffmpeg_screen_recorder.h"
 #include "platform/ffmpeg/ffmpeg_video_frame_reader.h"
+#include "platform/pointer_picker.h"
+#include "platform/window_list.h"
 #include "platform/window_unmap_watcher.h"
 #include "platform/x11/x11_click_monitor.h"
 #include "platform/x11/x11_compositor.h"
 #include "platform/x11/x11_hotkey_backend.h"
+#include "platform/x11/x11_pointer_picker.h"
 #include "platform/x11/x11_screen_grabber.h"
+#include "platform/x11/x11_window_list.h"
 #include "platform/x11/x11_window_unmap_watcher.h"
 #include "platform/x11/xkb_keyboard_layout.h"
 
@@ -54,7 +58,14 @@ PlatformServices::PlatformServices()
         windowUnmapWatcher_ =
             std::make_unique<X11WindowUnmapWatcher>(connection, x11RootWindow(connection));
         screenRecorder_ = std::make_unique<FfmpegScreenRecorder>(qgetenv("DISPLAY"));
+        // The root window of x11RootWindow() is the first screen's.
+        windowList_ = X11WindowList::create(connection, 0);
     }
+}
+
+std::unique_ptr<PointerPicker> PlatformServices::createPointerPicker() {
+    xcb_connection_t* connection = x11Connection();
+    return X11PointerPicker::create(connection, x11RootWindow(connection));
 }
 
 bool PlatformServices::compositorRunning() const {

@@ -7,10 +7,12 @@
 class ClickMonitor;
 class HotkeyBackend;
 class Notifier;
+class PointerPicker;
 class ScreenGrabber;
 class ScreenRecorderBackend;
 class SoundPlayer;
 class VideoFrameReader;
+class WindowList;
 class WindowUnmapWatcher;
 
 // The platform back ends the features talk to, chosen once at start-up for
@@ -34,6 +36,10 @@ public:
     WindowUnmapWatcher* windowUnmapWatcher() { return windowUnmapWatcher_.get(); }
     // Nothing where the screen cannot be recorded (no X11 display).
     ScreenRecorderBackend* screenRecorder() { return screenRecorder_.get(); }
+    WindowList* windowList() { return windowList_.get(); }
+    // A new pointer picker for one picking session; nothing where the
+    // display server lets no program take the pointer.
+    std::unique_ptr<PointerPicker> createPointerPicker();
     // Whether a compositor draws the screen right now (it may start or stop
     // at any time). Where none can be asked, one is assumed.
     bool compositorRunning() const;
@@ -50,4 +56,5 @@ private:
     std::unique_ptr<ClickMonitor> clickMonitor_;
     std::unique_ptr<WindowUnmapWatcher> windowUnmapWatcher_;
     std::unique_ptr<ScreenRecorderBackend> screenRecorder_;
+    std::unique_ptr<WindowList> windowList_;
 };
