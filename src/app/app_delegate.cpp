@@ -23,6 +23,7 @@
 #include "platform/sound_player.h"
 #include "platform/window_unmap_watcher.h"
 #include "preview/screenshot_preview_window_controller.h"
+#include "recording/recording_picker.h"
 #include "storage/preferences.h"
 #include "storage/user_settings.h"
 #include "widgets/popover_placement.h"
@@ -312,18 +313,26 @@ void AppDelegate::captureArea() {
     startOnClearScreen(kAreaCaptureLatestStartMs, [] { AnnotationOverlayController::start(); });
 }
 
+bool AppDelegate::isRecordingUnderWay() {
+    return RecordingPicker::shared().state() != RecordingPicker::State::idle;
+}
+
 void AppDelegate::recordWindow() {
-    startOnClearScreen(kRecordingLatestStartMs, [] {
-        qCInfo(lcApp).noquote() << QStringLiteral(
-            "Quillix: window recording comes in a later version");
-    });
+    // One recording at a time; the gallery and screenshots stay at hand
+    // while it runs.
+    if (isCaptureUnderWay() || isRecordingUnderWay()) {
+        return;
+    }
+    startOnClearScreen(kRecordingLatestStartMs,
+                       [] { RecordingPicker::shared().pickWindowToRecord(); });
 }
 
 void AppDelegate::recordScreen() {
-    startOnClearScreen(kRecordingLatestStartMs, [] {
-        qCInfo(lcApp).noquote() << QStringLiteral(
-            "Quillix: screen recording comes in a later version");
-    });
+    if (isCaptureUnderWay() || isRecordingUnderWay()) {
+        return;
+    }
+    startOnClearScreen(kRecordingLatestStartMs,
+                       [] { RecordingPicker::shared().recordFullScreen(); });
 }
 
 void AppDelegate::startOnClearScreen(int latestMs, std::function<void()> action) {

@@ -34,12 +34,14 @@ public:
     void handleClosePopover();
 
     // Hotkey actions. While an area editor is open, or a capture waits for
-    // our panels to leave the screen, the hotkeys do nothing.
+    // our panels to leave the screen, the hotkeys do nothing; the recording
+    // hotkeys also while a recording is being picked or runs.
     void showHUD();
     void captureArea();
     void recordWindow();
     void recordScreen();
     bool isCaptureUnderWay() const;
+    static bool isRecordingUnderWay();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -11,6 +11,7 @@
 #include "library/captures_in_flight.h"
 #include "library/screenshot_store.h"
 #include "platform/notification_attachment.h"
+#include "recording/recording_picker.h"
 
 namespace {
 
@@ -76,6 +77,9 @@ int main(int argc, char* argv[]) {
         control.publish();
     });
     const int status = QApplication::exec();
+    // A recording running at the quit is stopped, and its file finished and
+    // listed, before the library stops.
+    RecordingPicker::shared().finishBeforeQuit();
     // A capture saved just before the quit (a logout's SIGTERM right after
     // Return) still gets its follow-up, so it stays in the gallery.
     waitForCapturesInFlight();
