@@ -185,7 +185,10 @@ bool X11PointerPicker::nativeEventFilter(const QByteArray& eventType, void* mess
             return true;
         }
         case XCB_KEY_RELEASE:
-            return reinterpret_cast<const xcb_key_release_event_t*>(event)->event == rootWindow_;
+            // Left to the other filters: the hotkey that started this pick
+            // may still wait for its key's release, which can arrive after
+            // the grab, and would take the next press for a repeat.
+            return false;
         default:
             return false;
     }
