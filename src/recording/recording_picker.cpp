@@ -88,8 +88,10 @@ RecordingPicker::~RecordingPicker() = default;
 
 void RecordingPicker::pickWindowToRecord() {
     if (state_ != State::idle) {
+        qCDebug(lcRecording) << "not idle: the window pick is ignored";
         return;
     }
+    qCDebug(lcRecording) << "picking a window to record";
     state_ = State::picking;
     session_ = dependencies_.createPickSession();
     connect(session_.get(), &WindowPickSession::picked, this, &RecordingPicker::windowPicked);
@@ -99,6 +101,7 @@ void RecordingPicker::pickWindowToRecord() {
 
 void RecordingPicker::recordFullScreen() {
     if (state_ != State::idle) {
+        qCDebug(lcRecording) << "not idle: the screen recording is ignored";
         return;
     }
     QScreen* screen = dependencies_.screenForFullScreen();
@@ -130,6 +133,7 @@ void RecordingPicker::pickCancelled() {
     }
     endPickSession();
     state_ = State::idle;
+    qCDebug(lcRecording) << "window pick cancelled";
 }
 
 void RecordingPicker::endPickSession() {
