@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // Records an area of the screen until it is killed, for the test of what a
 // killed recording leaves behind:
 //   recording_kill_helper FILE X Y WIDTH HEIGHT

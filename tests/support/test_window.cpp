@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // A window of another process for tests that point at windows: a plain
 // top-level window of one colour at a given place and size.
 //   test_window X Y WIDTH HEIGHT COLOUR TITLE
