@@ -187,12 +187,11 @@ bool X11PointerPicker::nativeEventFilter(const QByteArray& eventType, void* mess
             }
             return true;
         }
-        case XCB_KEY_RELEASE:
-            // Left to the other filters: the hotkey that started this pick
-            // may still wait for its key's release, which can arrive after
-            // the grab, and would take the next press for a repeat.
-            return false;
         default:
+            // Key releases too are left to the other filters: the hotkey
+            // that started this pick may still wait for its key's release,
+            // which can arrive after the grab, and would otherwise take the
+            // next press for a repeat.
             return false;
     }
 }
