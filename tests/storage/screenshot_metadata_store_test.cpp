@@ -136,9 +136,7 @@ TEST(ColorLabelTest, RawValuesTitlesAndColoursInOfferedOrder) {
         EXPECT_EQ(colorLabelFromRawValue(colorLabelRawValue(label)), label);
     }
     EXPECT_EQ(raw, QStringList({"red", "orange", "yellow", "green", "blue", "purple"}));
-    EXPECT_EQ(colorLabelTitle(ColorLabel::red), QStringLiteral("Red"));
     EXPECT_FALSE(colorLabelFromRawValue(QStringLiteral("Red")));
-    EXPECT_EQ(colorLabelColor(ColorLabel::blue).name(), QStringLiteral("#388cf2"));
 }
 
 }  // namespace
