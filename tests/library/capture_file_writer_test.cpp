@@ -31,12 +31,6 @@ QStringList allEntries(const QString& folder) {
                                   QDir::Name);
 }
 
-quint64 inodeOf(const QString& path) {
-    struct stat status {};
-    EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &status), 0) << path.toStdString();
-    return status.st_ino;
-}
-
 template <typename T>
 T waitFor(QFuture<T> future) {
     while (!future.isFinished()) {

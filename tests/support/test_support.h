@@ -32,6 +32,8 @@ private:
 
 QByteArray readFileBytes(const QString& path);
 void writeFileBytes(const QString& path, const QByteArray& bytes);
+// The inode number of a file (a failed look-up fails the test).
+quint64 inodeOf(const QString& path);
 // Permission bits (0777 mask) of a file or folder.
 unsigned permissionBits(const QString& path);
 
