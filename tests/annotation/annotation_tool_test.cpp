@@ -134,17 +134,6 @@ TEST(ToolKeyTest, EveryToolHasItsOwnLetterAndTheLetterLeadsBack) {
     EXPECT_EQ(keys.size(), static_cast<qsizetype>(kAllAnnotationTools.size()));
 }
 
-TEST(ToolKeyTest, KeysAreTheAdvertisedLetters) {
-    EXPECT_EQ(annotationToolForKey(Qt::Key_P), AnnotationTool::pencil);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_A), AnnotationTool::arrow);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_R), AnnotationTool::rectangle);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_T), AnnotationTool::text);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_B), AnnotationTool::blur);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_X), AnnotationTool::pixelate);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_C), AnnotationTool::crop);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_H), AnnotationTool::highlighter);
-}
-
 TEST(ToolKeyTest, OtherKeysPickNoTool) {
     for (const int key : {int(Qt::Key_Z), int(Qt::Key_S), int(Qt::Key_Return), int(Qt::Key_Escape),
                           int(Qt::Key_Shift), int(Qt::Key_1), int('p'), 0, -1}) {
