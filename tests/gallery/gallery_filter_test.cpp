@@ -42,19 +42,6 @@ TEST(GalleryFilter, IsActiveWhenAnyPartNarrowsTheList) {
     EXPECT_TRUE(activeWith([](GalleryFilter& f) { f.showEventsOnly = true; }));
 }
 
-TEST(GalleryFilter, ChipLabelsAreTheCaseNamesInOrder) {
-    QStringList dates;
-    for (DateFilter filter : kAllDateFilters) {
-        dates.append(dateFilterLabel(filter));
-    }
-    QStringList media;
-    for (MediaFilter filter : kAllMediaFilters) {
-        media.append(mediaFilterLabel(filter));
-    }
-    EXPECT_EQ(dates, QStringList({"All", "Today", "Week"}));
-    EXPECT_EQ(media, QStringList({"All", "Photos", "Videos"}));
-}
-
 TEST(GalleryFilter, SearchIsACaseInsensitiveSubstringOfTheFileNameWithExtension) {
     GalleryFilter filter;
     filter.searchText = QStringLiteral("SHOT");
