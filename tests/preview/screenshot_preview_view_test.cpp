@@ -158,10 +158,9 @@ private Q_SLOTS:
         library.reset();
     }
 
-    // Shown at half size, a shape covers twice as many picture pixels as
-    // screen points: its line widths too, so the saved picture looks as the
-    // screen did.
-    void savingAtHalfSizeScalesShapesWithThePicture() {
+    // Shapes drawn with the sidebar's tools on a picture shown at half size
+    // are saved into the file by Ctrl+S.
+    void shapesDrawnAtHalfSizeAreSavedByTheSaveKey() {
         openView(writePicture(QStringLiteral("shot.png")));
         const QRectF shown = view->imageDisplayRect();
         QCOMPARE(shown.size(), QSizeF(400, 300));
@@ -178,32 +177,14 @@ private Q_SLOTS:
                           Qt::LeftButton);
         drag(o + QPointF(100, 30), o + QPointF(200, 80));
         QCOMPARE(view->annotationState().annotations().size(), 2);
-        const qreal strokeWidth =
-            std::get<Annotation::Stroke>(view->annotationState().annotations()[0].kind).width;
 
+        // Where they land and how thick they are is PreviewFlattening's
+        // (preview_image_space_test); here, that the keys write them.
         const QImage saved = saveAndRead();
         QCOMPARE(saved.size(), QSize(800, 600));
-        // The line runs at y = 300 from x = 100 to 700 in the picture.
-        QVERIFY(isRed(saved.pixel(400, 300)));
-        QVERIFY(isRed(saved.pixel(110, 300)));
-        QVERIFY(!isRed(saved.pixel(60, 300)));
-        int thickness = 0;
-        for (int y = 280; y < 320; ++y) {
-            thickness += isRed(saved.pixel(400, y)) ? 1 : 0;
-        }
-        QVERIFY2(std::abs(thickness - 2 * strokeWidth) <= 1.5,
-                 qPrintable(QStringLiteral("line is %1 px thick, drawn %2 wide")
-                                .arg(thickness)
-                                .arg(strokeWidth)));
-        // The rectangle's outline runs along x = 200..400, y = 60..160.
-        QVERIFY(isRed(saved.pixel(200, 110)));
-        QVERIFY(isRed(saved.pixel(400, 110)));
-        QVERIFY(isRed(saved.pixel(300, 60)));
+        QVERIFY(isRed(saved.pixel(400, 300)));  // the line, at y = 300 from x = 100 to 700
+        QVERIFY(isRed(saved.pixel(200, 110)));  // the rectangle's left edge
         QVERIFY(!isRed(saved.pixel(300, 110)));
-        // 2.5 points wide on screen: 5 pixels centred on the edge.
-        QVERIFY(isRed(saved.pixel(198, 110)));
-        QVERIFY(isRed(saved.pixel(201, 110)));
-        QVERIFY(!isRed(saved.pixel(205, 110)));
 
         // The document is emptied; tool and drawing stay; the library rescans.
         QVERIFY(view->annotationState().annotations().isEmpty());
