@@ -192,7 +192,7 @@ private Q_SLOTS:
         state->selectTool(AnnotationTool::crop);
         drag({20, 20}, {220, 120});
         QCOMPARE(state->cropRect(), std::optional<QRectF>(QRectF(20, 20, 200, 100)));
-        QCOMPARE(state->annotations().size(), 4);
+        QCOMPARE(state->annotations().size(), 3);  // the crop is the document's, not a shape
     }
 
     void shiftPreviewShowsWhatTheReleaseCommits_data() {
