@@ -363,13 +363,16 @@ def click_at(x, y, button="1"):
     xdotool("click", button)
 
 
-def drag(start, end, steps=10, pause=0.02):
-    """Presses at `start`, moves to `end` in steps, releases."""
-    xdotool("mousemove", str(start[0]), str(start[1]), "mousedown", "1")
+def drag(start, end, steps=10, pause=0.02, hold=0.0):
+    """Presses at `start`, moves to `end` in steps, waits `hold` s, releases."""
+    xdotool("mousemove", str(start[0]), str(start[1]))
+    time.sleep(0.1)
+    xdotool("mousedown", "1")
     for step in range(1, steps + 1):
         xdotool("mousemove", str(start[0] + (end[0] - start[0]) * step // steps),
                 str(start[1] + (end[1] - start[1]) * step // steps))
         time.sleep(pause)
+    time.sleep(hold)
     xdotool("mouseup", "1")
     time.sleep(0.2)
 
