@@ -19,6 +19,9 @@ import tempfile
 import time
 import unittest
 
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "e2e"))
+from quillix_session import wait_until  # noqa: E402
+
 TOOL = None  # set from the command line
 
 
@@ -240,15 +243,6 @@ def window_position(window):
     return x + border, y + border
 
 
-def wait_until(predicate, what, timeout=15.0):
-    deadline = time.monotonic() + timeout
-    while time.monotonic() < deadline:
-        if predicate():
-            return
-        time.sleep(0.05)
-    raise AssertionError(f"timed out waiting for {what}")
-
-
 def differing_pixels(expected, actual):
     return sum(1 for i in range(0, min(len(expected), len(actual)), 4)
                if expected[i:i + 4] != actual[i:i + 4])
@@ -290,7 +284,7 @@ def wait_until_shown(test, window, width, height, expected):
     def shown():
         x, y = window_position(window)
         return crop(screen_rgba(), x, y, width, height) == expected
-    wait_until(shown, f"window {window} to show its pattern")
+    wait_until(shown, what=f"window {window} to show its pattern")
     return window_position(window)
 
 
@@ -319,9 +313,9 @@ class CaptureCase(unittest.TestCase):
         self.windows.append(window)
         return window
 
-    def capture_window(self, window_id, name):
+    def capture_window(self, window_id, name, env=None):
         path = self.path(name)
-        result = run_tool("-l", str(window_id), "-x", path)
+        result = run_tool("-l", str(window_id), "-x", path, env=env)
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(result.stderr, "")
         return read_png(path)
@@ -360,17 +354,14 @@ class WindowCaptureTest(CaptureCase):
         self.assertEqual(crop(screen_rgba(), cover_x, cover_y, 160, 120), cover_expected)
 
         # The same by hexadecimal id.
-        path = self.path("hex.png")
-        result = run_tool("-l", hex(plain.id), "-x", path)
-        self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertImage(read_png(path), 301, 203, expected)
+        self.assertImage(self.capture_window(hex(plain.id), "hex.png"), 301, 203, expected)
 
     def test_partly_off_screen_window_with_a_slow_owner(self):
         slow = self.show("qc-slow", 300, 300, 173, 91, seed=3, repaint_delay=0.2)
         expected = slow.expected()
         wait_until_shown(self, slow.id, 173, 91, expected)
         move_window(slow.id, 1850, 1040)
-        wait_until(lambda: window_position(slow.id)[0] > 1800, "the window to move")
+        wait_until(lambda: window_position(slow.id)[0] > 1800, what="the window to move")
         x, y = window_position(slow.id)
         self.assertGreater(x + 173, 1920)
         self.assertGreater(y + 91, 1080)
@@ -539,16 +530,11 @@ class WithoutCompositeTest(CaptureCase):
     def test_visible_and_partly_off_screen_windows(self):
         # No window manager here: windows sit exactly where they are created.
         inside = self.show("qc-inside", 20, 30, 97, 61, seed=9, env=self.env)
-        path = self.path("inside.png")
-        result = run_tool("-l", str(inside.id), path, env=self.env)
-        self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertImage(read_png(path), 97, 61, inside.expected())
+        self.assertImage(self.capture_window(inside.id, "inside.png", self.env), 97, 61,
+                         inside.expected())
 
         edge = self.show("qc-edge", 597, 447, 97, 61, seed=10, border=3, env=self.env)
-        path = self.path("edge.png")
-        result = run_tool("-l", str(edge.id), path, env=self.env)
-        self.assertEqual(result.returncode, 0, result.stderr)
-        width, height, rgba = read_png(path)
+        width, height, rgba = self.capture_window(edge.id, "edge.png", self.env)
         self.assertEqual((width, height), (97, 61))
         expected = edge.expected()
         visible = (40, 30)  # the part of the window inside the 640x480 screen
