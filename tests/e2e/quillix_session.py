@@ -19,7 +19,6 @@ sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "storage"))
 import aesgcm_peer  # noqa: E402  (the independent envelope implementation)
 
 seal = aesgcm_peer.seal
-open_envelope = aesgcm_peer.open_envelope
 BINARY = None  # the program under test, from the command line (see main)
 POPOVER = "Quillix gallery"
 PILL = "Quillix controls"
@@ -132,12 +131,6 @@ class RunningApp:
                        what=f"{listing} listed files")
         return app
 
-    @classmethod
-    def listing_every_file(cls, binary, home, count, without_leak_check=False):
-        global BINARY
-        BINARY = binary
-        return cls.ready(home, count, without_leak_check)
-
     def output(self):
         with open(self.log_path, "rb") as log:
             return log.read().decode("utf-8", "replace")
@@ -198,14 +191,11 @@ class AppTestCase(unittest.TestCase):
 
 # --- pictures and files ---------------------------------------------------------
 
-def write_png(path, size="480x300", colour=FILL):
-    subprocess.run(["convert", "-size", size, f"xc:{colour}", f"PNG24:{path}"], check=True)
-
-
-def write_pictures(folder, names, size="480x300"):
+def write_pictures(folder, names):
     """Flat pictures, oldest first: distinct creation times give a known order."""
     for name in names:
-        write_png(os.path.join(folder, name), size)
+        subprocess.run(["convert", "-size", "480x300", f"xc:{FILL}",
+                        f"PNG24:{os.path.join(folder, name)}"], check=True)
         time.sleep(0.05)
 
 
@@ -286,7 +276,7 @@ def try_open_file(path):
     """The plaintext of a sealed file, or None while it is missing or not sealed."""
     try:
         with open(path, "rb") as sealed:
-            return open_envelope(sealed.read())
+            return aesgcm_peer.open_envelope(sealed.read())
     except (OSError, aesgcm_peer.InvalidTag):
         return None
 
