@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // The drawing canvas driven with real mouse and key events on a shown widget:
 // what each gesture commits, what it drops, Shift constraints in the preview
 // and the commit, the text field and where its text lands, undo keys, presses

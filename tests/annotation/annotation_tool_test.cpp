@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // What each tool makes of a drag (the one rule shared by the canvas's live
 // preview and its commit) and the single-letter keys that pick the tools.
 

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // The area editor on the real X server: a full-screen window paints a known
 // pattern, the editor freezes it, QTest drags out selections on the overlay
 // window, and the PNG files that land in a custom save folder are checked

@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """Window and area captures in the running program and what becomes of their
 files: the own-captures list (with a damaged registry entry), captures in one
 second, the clipboard and notifications, the preview's rewrite, a save folder

@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """The program's first start in a home that holds only an older version's
 bindings: where its sealed settings go, and the tray icon."""
 import json

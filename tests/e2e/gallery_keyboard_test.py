@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """The gallery from the keyboard and through the accessibility bus, the way a
 keyboard user and a screen reader meet it: Tab order across the popover and
 the pill, arrows, Return, the menu keys, a cell's accessible action, Quit."""

@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """The gallery popover driven like a user with the real pointer and keyboard:
 typing a search, the cell menu's dialogs, a drag onto the pill's trash and a
 clip playing in the preview."""

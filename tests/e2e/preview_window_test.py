@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """The preview window with the real program: the question before unsaved
 annotations are thrown away by the window manager's close button or the
 pill's Quit, and the window on a 200 % screen showing a picture beyond Qt's

@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """The program as a process: hotkey failure lines, held hotkeys, a second
 copy, keyboard-layout switches, notification pictures through a quit and a
 crash, and the command line."""

@@ -1,3 +1,6 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """Helpers for end-to-end tests that run the real program in the virtual desktop.
 
 Each test class gets a fresh HOME with its own XDG folders, starts the program

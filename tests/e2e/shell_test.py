@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """The tray shell driven like a user, on one program with a full gallery: the
 open-menu hotkey and the tray icon, the popover and pill, presses in the
 program's own menus and dialogs, see-through corners, and what the area

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // The preview window on the virtual desktop with real files in a temporary
 // folder and a real metadata store: annotating and saving over the file,
 // the save and undo keys, unreadable pictures, renaming, events and colour

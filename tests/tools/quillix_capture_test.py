@@ -1,3 +1,6 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """End-to-end checks of quillix-capture against real windows on the virtual desktop.
 
 Usage: quillix_capture_test.py PATH_TO_QUILLIX_CAPTURE
