@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // Flattens a 3840 × 2160 selection with twenty annotations (four blur or
 // pixelate regions) several times and prints the median and fastest time,
 // plus the two region filters on their own.

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // bench_area_overlay: how fast the area editor covers the screen, and how
 // fast Return puts the PNG on disk.
 //

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // Measures the gallery popover's content over a full library: 200 real PNG
 // screenshots on the Desktop, listed with their thumbnails.
 //

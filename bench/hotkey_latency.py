@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """How soon the real program answers a user, measured from outside it.
 
   scripts/with-desktop bench/hotkey_latency.py build/bin/quillix [--runs N]

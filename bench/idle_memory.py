@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """Idle memory of the running program with an empty library.
 
   scripts/with-desktop bench/idle_memory.py build/bin/quillix

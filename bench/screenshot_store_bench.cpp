@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // Measures the screenshot library on a full gallery: 200 own 1920 × 1080
 // screenshots on the Desktop. Prints how long a cold scan (no thumbnails
 // cached) takes until its list is published and until every thumbnail is,

@@ -1,3 +1,6 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 # Debian packages the project needs, and a way to install the missing ones.
 # Sourced by scripts/run and scripts/test.
 

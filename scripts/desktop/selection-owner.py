@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """Print the window that owns an X selection, or 0 when nobody owns it.
 
     selection-owner.py NAME        e.g. _NET_SYSTEM_TRAY_S0

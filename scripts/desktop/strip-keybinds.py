@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """Copy an openbox rc.xml without any of its <keybind> elements.
 
     strip-keybinds.py IN OUT

@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """Takes the README's pictures of the running program in the virtual desktop.
 
 Usage: take-screenshots.py QUILLIX_BINARY OUTPUT_FOLDER

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 #include "app/command_line.h"
 
 CommandLine CommandLine::parse(const QStringList& arguments) {

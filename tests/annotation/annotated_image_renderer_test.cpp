@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // Pixel checks of flattened images: every annotation kind drawn on a known
 // picture, the crop arithmetic and the output scale.
 

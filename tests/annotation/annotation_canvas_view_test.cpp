@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // The drawing canvas driven with real mouse and key events on a shown widget:
 // what each gesture commits, what it drops, Shift constraints in the preview
 // and the commit, the text field and where its text lands, undo keys, presses
@@ -47,6 +50,12 @@ bool sameWithinOnePixel(const QRect& a, const QRect& b) {
     return !a.isEmpty() && !b.isEmpty() && qAbs(a.left() - b.left()) <= 1 &&
            qAbs(a.top() - b.top()) <= 1 && qAbs(a.right() - b.right()) <= 1 &&
            qAbs(a.bottom() - b.bottom()) <= 1;
+}
+
+QString describe(const QRect& before, const QRect& after) {
+    QString text;
+    QDebug(&text) << before << "then" << after;
+    return text;
 }
 
 // Records the presses that reach it.
@@ -154,16 +163,17 @@ private Q_SLOTS:
         QCOMPARE(state->annotations().size(), 1);
     }
 
-    void pencilAndHighlighterCommitStrokes() {
+    // What each tool makes of a drag is ToolGestureTest's; here, that the
+    // canvas hands it every point, the current colour and the modifiers at
+    // the release, and files a crop as the document's crop.
+    void dragsCommitTheToolsShapeInTheCurrentColour() {
         state->selectTool(AnnotationTool::pencil);
         drag({10, 10}, {50, 30});
         auto* pencil = lastAs<Annotation::Stroke>();
         QVERIFY(pencil);
+        QCOMPARE(pencil->points.size(), 4);
         QCOMPARE(pencil->points.first(), QPointF(10, 10));
         QCOMPARE(pencil->points.last(), QPointF(50, 30));
-        QCOMPARE(pencil->points.size(), 4);
-        QCOMPARE(pencil->width, 2.0);
-        QCOMPARE(pencil->opacity, 1.0);
         QCOMPARE(pencil->color, AnnotationState::kInitialColor);
 
         state->selectTool(AnnotationTool::highlighter);
@@ -171,51 +181,21 @@ private Q_SLOTS:
         QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(70, 70));
         auto* highlight = lastAs<Annotation::Stroke>();
         QVERIFY(highlight);
-        // A click is a stroke of two equal points.
         QCOMPARE(highlight->points, (QVector<QPointF>{{70, 70}, {70, 70}}));
-        QCOMPARE(highlight->width, 12.0);
-        QCOMPARE(highlight->opacity, 0.4);
         QCOMPARE(highlight->color, QColor(Qt::yellow));
-    }
 
-    void arrowNeedsLengthAndSnapsWithShift() {
-        state->selectTool(AnnotationTool::arrow);
-        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(70, 70));
-        QVERIFY(state->annotations().isEmpty());
-
-        drag({100, 100}, {150, 140});
-        auto* free = lastAs<Annotation::Arrow>();
-        QVERIFY(free);
-        QCOMPARE(free->to, QPointF(150, 140));
-
-        drag({100, 100}, {150, 140}, Qt::ShiftModifier);  // 38.7° snaps to 45°
-        auto* snapped = lastAs<Annotation::Arrow>();
-        QVERIFY(snapped);
-        const qreal length = std::hypot(50.0, 40.0);
-        QVERIFY(qAbs(snapped->to.x() - (100 + length / std::sqrt(2.0))) < 1e-6);
-        QVERIFY(qAbs(snapped->to.y() - (100 + length / std::sqrt(2.0))) < 1e-6);
-
-        drag({100, 100}, {40, 110}, Qt::ShiftModifier);  // about 170° snaps to 180°
-        auto* left = lastAs<Annotation::Arrow>();
-        QVERIFY(left);
-        QVERIFY(qAbs(left->to.y() - 100) < 1e-6);
-        QVERIFY(qAbs(left->to.x() - (100 - std::hypot(60.0, 10.0))) < 1e-6);
-    }
-
-    void rectangleMinimumAndShiftSquare() {
         state->selectTool(AnnotationTool::rectangle);
-        drag({10, 10}, {12, 60});  // 2 × 50: too thin
-        QVERIFY(state->annotations().isEmpty());
-        drag({10, 10}, {13, 13});  // 3 × 3 is kept
-        auto* small = lastAs<Annotation::Rectangle>();
-        QVERIFY(small);
-        QCOMPARE(small->rect, QRectF(10, 10, 3, 3));
-
-        // Dragged up and to the left: the square keeps the minimum corner.
+        drag({10, 10}, {12, 60});  // too thin: nothing
+        QCOMPARE(state->annotations().size(), 2);
         drag({200, 200}, {150, 120}, Qt::ShiftModifier);
         auto* square = lastAs<Annotation::Rectangle>();
         QVERIFY(square);
         QCOMPARE(square->rect, QRectF(150, 120, 50, 50));
+
+        state->selectTool(AnnotationTool::crop);
+        drag({20, 20}, {220, 120});
+        QCOMPARE(state->cropRect(), std::optional<QRectF>(QRectF(20, 20, 200, 100)));
+        QCOMPARE(state->annotations().size(), 3);  // the crop is the document's, not a shape
     }
 
     void shiftPreviewShowsWhatTheReleaseCommits_data() {
@@ -259,29 +239,6 @@ private Q_SLOTS:
         QTest::mouseRelease(canvas.get(), Qt::LeftButton, {}, QPoint(40, 80));
     }
 
-    void regionsAndCropNeedMoreThanFourPoints() {
-        state->selectTool(AnnotationTool::blur);
-        drag({10, 10}, {14, 60});
-        QVERIFY(state->annotations().isEmpty());
-        drag({60, 10}, {10, 15});
-        auto* blur = lastAs<Annotation::Blur>();
-        QVERIFY(blur);
-        QCOMPARE(blur->rect, QRectF(10, 10, 50, 5));
-
-        state->selectTool(AnnotationTool::pixelate);
-        drag({100, 100}, {104, 104});
-        QCOMPARE(state->annotations().size(), 1);
-        drag({100, 100}, {130, 140});
-        QVERIFY(lastAs<Annotation::Pixelate>());
-
-        state->selectTool(AnnotationTool::crop);
-        drag({20, 20}, {24, 100});
-        QVERIFY(!state->cropRect());
-        drag({20, 20}, {220, 120});
-        QCOMPARE(state->cropRect(), std::optional<QRectF>(QRectF(20, 20, 200, 100)));
-        QCOMPARE(state->annotations().size(), 2);
-    }
-
     void undoKeysTakeBackActionsInOrderCropsIncluded() {
         state->selectTool(AnnotationTool::rectangle);
         drag({10, 10}, {50, 50});
@@ -301,7 +258,7 @@ private Q_SLOTS:
         QVERIFY(state->annotations().isEmpty());
     }
 
-    void textFieldCommitsTrimmedTextOnReturn() {
+    void textFieldCommitsTrimmedTextOnReturnAndDropsBlankOrEscapedText() {
         state->selectTool(AnnotationTool::text);
         QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
         QLineEdit* field = canvas->textField();
@@ -319,20 +276,17 @@ private Q_SLOTS:
         QCOMPARE(text->origin, QPointF(50, 60));  // the text starts where it was placed
         QCOMPARE(text->color, AnnotationState::kInitialColor);
         QCOMPARE(text->font.pixelSize(), 16);
-    }
 
-    void textFieldDropsBlankAndEscapedText() {
-        state->selectTool(AnnotationTool::text);
+        // Blank text and escaped text leave nothing.
         QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
         QTest::keyClicks(canvas->textField(), QStringLiteral("   "));
         QTest::keyClick(canvas->textField(), Qt::Key_Return);
         QVERIFY(!canvas->textField());
-
         QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
         QTest::keyClicks(canvas->textField(), QStringLiteral("gone"));
         QTest::keyClick(canvas->textField(), Qt::Key_Escape);
         QVERIFY(!canvas->textField());
-        QVERIFY(state->annotations().isEmpty());
+        QCOMPARE(state->annotations().size(), 1);
     }
 
     void pressElsewhereEndsTheTextField() {
@@ -430,31 +384,13 @@ private Q_SLOTS:
         QTest::keyClick(canvas->textField(), Qt::Key_Return);
         QVERIFY(!canvas->textField());
         const QRect confirmed = inkBounds(shown());
-        QVERIFY2(sameWithinOnePixel(typed, confirmed),
-                 qPrintable(QStringLiteral("typed at %1,%2 %3x%4, confirmed at %5,%6 %7x%8")
-                                .arg(typed.x())
-                                .arg(typed.y())
-                                .arg(typed.width())
-                                .arg(typed.height())
-                                .arg(confirmed.x())
-                                .arg(confirmed.y())
-                                .arg(confirmed.width())
-                                .arg(confirmed.height())));
+        QVERIFY2(sameWithinOnePixel(typed, confirmed), qPrintable(describe(typed, confirmed)));
 
         QImage white(canvas->size(), QImage::Format_ARGB32_Premultiplied);
         white.fill(Qt::white);
         const QImage saved = renderAnnotatedImage(white, state->annotations(), std::nullopt);
         const QRect inSaved = inkBounds(saved);
-        QVERIFY2(sameWithinOnePixel(confirmed, inSaved),
-                 qPrintable(QStringLiteral("shown at %1,%2 %3x%4, saved at %5,%6 %7x%8")
-                                .arg(confirmed.x())
-                                .arg(confirmed.y())
-                                .arg(confirmed.width())
-                                .arg(confirmed.height())
-                                .arg(inSaved.x())
-                                .arg(inSaved.y())
-                                .arg(inSaved.width())
-                                .arg(inSaved.height())));
+        QVERIFY2(sameWithinOnePixel(confirmed, inSaved), qPrintable(describe(confirmed, inSaved)));
     }
 
     void passthroughLeavesPressesToTheHost() {

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // The annotation document: undo order with crops among the shapes, crop
 // replacement and its undo, reset, colour changes and the two kinds of stroke.
 

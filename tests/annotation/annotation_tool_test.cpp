@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // What each tool makes of a drag (the one rule shared by the canvas's live
 // preview and its commit) and the single-letter keys that pick the tools.
 
@@ -132,17 +135,6 @@ TEST(ToolKeyTest, EveryToolHasItsOwnLetterAndTheLetterLeadsBack) {
         EXPECT_EQ(annotationToolForKey(key), tool) << name.toStdString();
     }
     EXPECT_EQ(keys.size(), static_cast<qsizetype>(kAllAnnotationTools.size()));
-}
-
-TEST(ToolKeyTest, KeysAreTheAdvertisedLetters) {
-    EXPECT_EQ(annotationToolForKey(Qt::Key_P), AnnotationTool::pencil);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_A), AnnotationTool::arrow);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_R), AnnotationTool::rectangle);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_T), AnnotationTool::text);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_B), AnnotationTool::blur);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_X), AnnotationTool::pixelate);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_C), AnnotationTool::crop);
-    EXPECT_EQ(annotationToolForKey(Qt::Key_H), AnnotationTool::highlighter);
 }
 
 TEST(ToolKeyTest, OtherKeysPickNoTool) {

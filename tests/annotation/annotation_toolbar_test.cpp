@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 #include "annotation/annotation_toolbar.h"
 
 #include <QImage>
@@ -304,57 +307,43 @@ private Q_SLOTS:
     void panelIsAtLeast400WideAndTwoTallerThanTheRow() {
         QCOMPARE(AnnotationToolbar::panelSize(QSize(300, 42)), QSize(400, 44));
         QCOMPARE(AnnotationToolbar::panelSize(QSize(520, 42)), QSize(520, 44));
-        AnnotationState state;
-        AnnotationToolbar toolbar(&state);
-        QCOMPARE(toolbar.sizeHint().height(), 28 + 2 * 7);
     }
 
-    void placementGoesUnderTheSelectionWhenThereIsRoom() {
-        const QRect screen(0, 0, 1920, 1080);
-        const QSize panel(460, 44);
-        QCOMPARE(AnnotationToolbar::placement(QRectF(100, 200, 300, 150), screen, panel),
-                 QPoint(100, 200 + 150 + 8));
-        // Exactly fitting above the bottom still counts as room.
-        QCOMPARE(
-            AnnotationToolbar::placement(QRectF(100, 200, 300, 1080 - 44 - 8 - 200), screen, panel),
-            QPoint(100, 1080 - 44));
-    }
-
-    void placementGoesOverTheSelectionWithoutRoomBelow() {
-        const QRect screen(0, 0, 1920, 1080);
-        const QSize panel(460, 44);
-        QCOMPARE(AnnotationToolbar::placement(QRectF(100, 500, 300, 580), screen, panel),
-                 QPoint(100, 500 - 8 - 44));
-        // A panel at the bottom of the screen (outside the visible area) counts.
-        const QRect visible(0, 0, 1920, 1040);
-        QCOMPARE(AnnotationToolbar::placement(QRectF(100, 200, 300, 800), screen, visible, panel),
-                 QPoint(100, 200 - 8 - 44));
-    }
-
-    void placementNearTheRightEdgeAlignsWithTheSelectionsRight() {
-        const QRect screen(0, 0, 1920, 1080);
-        const QSize panel(460, 44);
-        QCOMPARE(AnnotationToolbar::placement(QRectF(1700, 100, 200, 100), screen, panel),
-                 QPoint(1900 - 460, 208));
-    }
-
-    void placementNeverStartsCloserThan8ToTheLeftEdge() {
-        const QRect screen(0, 0, 1920, 1080);
-        QCOMPARE(AnnotationToolbar::placement(QRectF(0, 100, 200, 100), screen, QSize(460, 44)),
-                 QPoint(8, 208));
-        // Right-aligned on a narrow selection that would cross the left edge.
-        const QRect narrowScreen(0, 0, 500, 400);
-        QCOMPARE(
-            AnnotationToolbar::placement(QRectF(100, 10, 300, 50), narrowScreen, QSize(460, 44)),
-            QPoint(8, 68));
-    }
-
-    void placementIsInGlobalCoordinatesOfASecondScreen() {
+    // Under the selection when there is room (exactly fitting counts), else
+    // over it; right-aligned near the right edge; never closer than 8 to the
+    // left edge; in global coordinates of a second screen.
+    void placementKeepsThePanelBesideTheSelectionOnScreen_data() {
+        QTest::addColumn<QRectF>("selection");
+        QTest::addColumn<QRect>("screen");
+        QTest::addColumn<QRect>("visible");
+        QTest::addColumn<QPoint>("expected");
+        const QRect full(0, 0, 1920, 1080);
         const QRect second(1920, 120, 1280, 1024);
-        QCOMPARE(AnnotationToolbar::placement(QRectF(0, 0, 300, 200), second, QSize(460, 44)),
-                 QPoint(1920 + 8, 120 + 208));
-        QCOMPARE(AnnotationToolbar::placement(QRectF(1000, 900, 200, 124), second, QSize(460, 44)),
-                 QPoint(1920 + 1200 - 460, 120 + 900 - 52));
+        const QRect narrow(0, 0, 500, 400);
+        QTest::newRow("below") << QRectF(100, 200, 300, 150) << full << full << QPoint(100, 358);
+        QTest::newRow("just fits below")
+            << QRectF(100, 200, 300, 1080 - 44 - 8 - 200) << full << full << QPoint(100, 1036);
+        QTest::newRow("above") << QRectF(100, 500, 300, 580) << full << full << QPoint(100, 448);
+        // A panel at the bottom of the screen (outside the visible area) counts.
+        QTest::newRow("above a bottom panel")
+            << QRectF(100, 200, 300, 800) << full << QRect(0, 0, 1920, 1040) << QPoint(100, 148);
+        QTest::newRow("right edge")
+            << QRectF(1700, 100, 200, 100) << full << full << QPoint(1900 - 460, 208);
+        QTest::newRow("left edge") << QRectF(0, 100, 200, 100) << full << full << QPoint(8, 208);
+        QTest::newRow("narrow screen")
+            << QRectF(100, 10, 300, 50) << narrow << narrow << QPoint(8, 68);
+        QTest::newRow("second screen")
+            << QRectF(0, 0, 300, 200) << second << second << QPoint(1920 + 8, 120 + 208);
+        QTest::newRow("second screen, above") << QRectF(1000, 900, 200, 124) << second << second
+                                              << QPoint(1920 + 1200 - 460, 120 + 900 - 52);
+    }
+    void placementKeepsThePanelBesideTheSelectionOnScreen() {
+        QFETCH(QRectF, selection);
+        QFETCH(QRect, screen);
+        QFETCH(QRect, visible);
+        QFETCH(QPoint, expected);
+        QCOMPARE(AnnotationToolbar::placement(selection, screen, visible, QSize(460, 44)),
+                 expected);
     }
 };
 

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // The shell on the real X server of the test desktop: the tray icon's
 // image, when a selected capture's preview and an area capture start, and
 // the X11 services behind them (unmap watching, compositor detection).

@@ -1,155 +1,233 @@
 #!/usr/bin/python3
-"""Window capture in the running program, and what the library lists."""
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
+"""Window and area captures in the running program and what becomes of their
+files: the own-captures list (with a damaged registry entry), captures in one
+second, the clipboard and notifications, the preview's rewrite, a save folder
+that cannot be written, and a quit right after Return."""
 import glob
 import json
 import os
 import re
 import shutil
+import signal
 import subprocess
 import sys
-import unittest
+import time
 
 sys.path.insert(0, os.path.dirname(__file__))
-from quillix_session import (FreshHome, NotificationMonitor, RunningApp, call_app,  # noqa: E402
-                             differing_pixels, try_open_file, viewable_windows, wait_until)
+from quillix_session import (OVERLAY, AppTestCase, NotificationMonitor,  # noqa: E402
+                             call_app, captures_in, click_control, clipboard_png,
+                             differing_pixels, drag, image_size, listed, main, pixels, seal,
+                             select_area, show_picture, screen_shot, viewable_windows,
+                             wait_for_no_window, wait_for_window, wait_until, write_pattern,
+                             xdotool)
 
-BINARY = None
-FILE_NAME = re.compile(r"^Screenshot_\d{4}-\d\d-\d\dT\d\d-\d\d-\d\dZ\.png$")
-
-
-def make_pattern(path):
-    """A 240 × 160 picture with gradients and sharp edges."""
-    subprocess.run(["convert", "-size", "240x160", "gradient:#ff2020-#2040ff",
-                    "-fill", "#10c010", "-draw", "rectangle 20,20 90,70",
-                    "-fill", "white", "-draw", "circle 170,100 190,120", "-depth", "8",
-                    f"PNG24:{path}"], check=True)
+FILE_NAME = re.compile(r"^Screenshot_\d{4}-\d\d-\d\dT\d\d-\d\d-\d\dZ( \(\d\))?\.png$")
 
 
-class WindowCapture(unittest.TestCase):
-    def setUp(self):
-        # Popups of earlier tests would take the place of ours in dunst's queue.
-        subprocess.run(["dunstctl", "close-all"], check=True)
-        self.home = FreshHome()
-        self.app = None
-        self.viewer = None
-        self.monitor = None
+class CaptureSession(AppTestCase):
+    """A pattern window to capture, and the notifications recorded."""
 
-    def tearDown(self):
-        for stop in (lambda: self.monitor and self.monitor.stop(),
-                     lambda: self.viewer and self.viewer.terminate(),
-                     lambda: self.app and self.app.stop()):
-            stop()
-        if self.app and (self._outcome.result.failures or self._outcome.result.errors):
-            print(self.app.output())
-        self.home.cleanup()
+    @classmethod
+    def prepare(cls):
+        cls.pattern = os.path.join(cls.home.root, "pattern.png")
+        write_pattern(cls.pattern)
+        cls.viewer, cls.window = show_picture(cls.pattern)
+        cls.monitor = NotificationMonitor(os.path.join(cls.home.root, "notify.log"))
 
-    def start(self, defaults=""):
-        if defaults:
-            folder = os.path.join(self.home.config, "Quillix")
-            os.makedirs(folder, exist_ok=True)
-            with open(os.path.join(folder, "Quillix.conf"), "w") as conf:
-                conf.write("[General]\n" + defaults)
-        self.app = RunningApp(BINARY, self.home)
-        wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
+    @classmethod
+    def tearDownClass(cls):
+        cls.monitor.stop()
+        cls.viewer.terminate()
+        super().tearDownClass()
 
-    def show_pattern(self):
-        pattern = os.path.join(self.home.root, "pattern.png")
-        make_pattern(pattern)
-        self.viewer = subprocess.Popen(["display", "-geometry", "+300+200", pattern])
-        window = subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--class",
-                                 "display"], capture_output=True, text=True,
-                                check=True).stdout.split()[0]
-        return pattern, int(window)
+    def capture_window(self):
+        self.assertIsNotNone(call_app("CaptureWindow", f"uint32:{self.window}"))
 
-    def capture(self, folder):
-        pattern, window = self.show_pattern()
-        self.monitor = NotificationMonitor(os.path.join(self.home.root, "notify.log"))
-        self.assertIsNotNone(call_app("CaptureWindow", f"uint32:{window}"))
-        files = wait_until(lambda: glob.glob(os.path.join(folder, "Screenshot_*.png")),
-                           what="the capture file")
-        self.assertEqual(len(files), 1, files)
-        return pattern, files[0]
+    def wait_recorded(self, path):
+        inode = os.stat(path).st_ino
+        wait_until(lambda: inode in self.home.registry_inodes(), what=f"{path} in registry.bin")
 
-    def test_window_capture_saves_records_copies_and_notifies(self):
-        self.start()
-        pattern, capture = self.capture(self.home.folders["Desktop"])
-        name = os.path.basename(capture)
-        self.assertRegex(name, FILE_NAME)
-        self.assertEqual(differing_pixels(pattern, capture), 0)
 
-        registry = os.path.join(self.home.data_dir, "registry.bin")
-        inode = os.stat(capture).st_ino
-        wait_until(lambda: (lambda doc: doc is not None and inode in json.loads(doc))(
-            try_open_file(registry)), what="the inode in registry.bin")
+class OwnCaptures(CaptureSession):
+    """Two earlier own captures (and a registry entry that cannot be an
+    inode) beside another program's picture on the Desktop."""
+    EARLIER = ["earlier-a.png", "earlier-b.png"]
 
-        clip = os.path.join(self.home.root, "clip.png")
-        with open(clip, "wb") as out:
-            subprocess.run(["xclip", "-selection", "clipboard", "-t", "image/png", "-o"],
-                           stdout=out, check=True, timeout=10)
-        self.assertEqual(differing_pixels(clip, capture), 0)
+    @classmethod
+    def prepare(cls):
+        subprocess.run(["xsetroot", "-solid", "#336699"], check=True)
+        super().prepare()
+        for name in cls.EARLIER + ["other-tool.png"]:
+            shutil.copy(cls.pattern, cls.home.desktop(name))
+        inodes = [os.stat(cls.home.desktop(name)).st_ino for name in cls.EARLIER]
+        os.makedirs(cls.home.data_dir)
+        with open(os.path.join(cls.home.data_dir, "registry.bin"), "wb") as registry:
+            registry.write(seal(json.dumps([inodes[0], -1, inodes[1]]).encode()))
 
-        wait_until(lambda: "Screenshot saved" in self.monitor.text(), what="the notification")
-        notify = self.monitor.text()
-        self.assertIn(f'string "{name}"', notify)
-        self.assertIn('string "Quillix"', notify)
-        self.assertIn("image-path", notify)
-        self.assertIn(name, call_app("ListedFiles"))
+    def desktop_captures(self):
+        return captures_in(self.home.folders["Desktop"])
 
-        # A click on the notification finds the capture by its file name.
-        subprocess.run(["dunstctl", "action", "0"], check=True)
-        title = name[:-len(".png")]
-        wait_until(lambda: viewable_windows(title), what="the capture's preview window")
-
-    def test_custom_save_folder_is_created_when_missing(self):
-        target = os.path.join(self.home.root, "captures", "nested", "deeper")
-        self.start(f"customSaveFolder={target}\n")
-        _, capture = self.capture(target)
-        self.assertTrue(os.path.isfile(capture))
-        self.assertEqual(glob.glob(os.path.join(self.home.folders["Desktop"], "*.png")), [])
-
-    def test_failed_capture_writes_nothing(self):
-        self.start()
+    def test_1_only_own_captures_are_listed_and_a_window_that_is_gone_gives_nothing(self):
+        wait_until(lambda: sorted(listed()) == self.EARLIER, what="the earlier captures listed")
         self.assertIsNotNone(call_app("CaptureWindow", "uint32:4194303"))
-        self.assertIsNotNone(call_app("ListedFiles"))  # still answering
-        self.assertEqual(glob.glob(os.path.join(self.home.folders["Desktop"], "*")), [])
+        self.assertEqual(sorted(listed()), self.EARLIER)  # still answering
+        self.assertEqual(self.desktop_captures(), [])
+
+    def test_2_window_captures_in_one_second_are_saved_copied_notified_and_rewritten(self):
+        started = time.monotonic()
+        for _ in range(3):
+            self.capture_window()
+        files = wait_until(lambda: (lambda found: found if len(found) == 3 else None)(
+            self.desktop_captures()), what="three capture files")
+        names = [os.path.basename(path) for path in files]
+        if time.monotonic() - started < 1.0:  # two of them shared a second: none replaced
+            self.assertTrue(any(name.endswith("Z (2).png") for name in names), names)
+        for path in files:
+            self.assertRegex(os.path.basename(path), FILE_NAME)
+            self.assertEqual(differing_pixels(self.pattern, path), 0)
+            self.wait_recorded(path)
+        wait_until(lambda: len(listed()) == 5, what="five listed files")
+        clip = clipboard_png(os.path.join(self.home.root, "clip.png"))
+        self.assertEqual(differing_pixels(clip, self.pattern), 0)
+        wait_until(lambda: all(name in self.monitor.text() for name in names),
+                   what="the notifications naming the captures")
+        for text in ('string "Screenshot saved"', 'string "Quillix"', "image-path"):
+            self.assertIn(text, self.monitor.text())
+
+        # A click on a notification opens its capture, whose Ctrl+S rewrites
+        # the file (a new inode) that stays own.
+        subprocess.run(["dunstctl", "action", "0"], check=True)
+        titles = [name[:-len(".png")] for name in names]
+        title = wait_until(lambda: next((t for t in titles if viewable_windows(t)), None),
+                           what="a capture's preview window")
+        target = files[titles.index(title)]
+        old_inode = os.stat(target).st_ino
+        time.sleep(0.6)
+        xdotool("key", "ctrl+s")
+        wait_until(lambda: os.stat(target).st_ino != old_inode, what="the rewritten file")
+        self.wait_recorded(target)
+        time.sleep(0.5)
+        self.assertIn(os.path.basename(target), listed())
+        self.assertEqual(len(listed()), 5)
+        xdotool("key", "Escape")  # nothing drawn: it closes at once
+        wait_for_no_window(title)
+
+    def test_3_an_area_capture_keeps_the_screen_pixels_around_a_rectangle(self):
+        subprocess.run(["dunstctl", "close-all"], check=True)
+        time.sleep(0.3)
+        x, y, width, height = 250, 150, 300, 200
+        screen = screen_shot(os.path.join(self.home.root, "screen.png"))
+        before = self.desktop_captures()
+        select_area(x, y, width, height)
+        click_control("Rectangle")
+        drag((x + 50, y + 40), (x + 150, y + 120))
+        drag((x + 200, y + 20), (x + 280, y + 100))
+        xdotool("key", "ctrl+z")  # takes the second rectangle back
+        xdotool("key", "Return")
+        capture = wait_until(lambda: [path for path in self.desktop_captures()
+                                      if path not in before], what="the area capture")[0]
+        wait_for_no_window(OVERLAY)
+        self.assertEqual(image_size(capture), f"{width}x{height}")
+        (red,) = pixels(capture, (100, 40))  # the rectangle's top edge
+        self.assertTrue(red[0] > 200 and red[1] < 120, red)
+        # Right of the rectangle, the undone one included: the screen's pixels.
+        parts = []
+        for source, rect in ((capture, "140x200+160+0"), (screen, f"140x200+{x + 160}+{y}")):
+            parts.append(os.path.join(self.home.root, f"part{len(parts)}.png"))
+            subprocess.run(["convert", source, "-crop", rect, "+repage", parts[-1]], check=True)
+        self.assertEqual(differing_pixels(*parts), 0)
+        self.wait_recorded(capture)
+        self.assertEqual(differing_pixels(clipboard_png(
+            os.path.join(self.home.root, "clip-area.png")), capture), 0)
 
 
-class LibraryListing(unittest.TestCase):
-    def setUp(self):
-        self.home = FreshHome()
-        self.app = RunningApp(BINARY, self.home)
-        wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
+class UnwritableSaveFolder(CaptureSession):
+    @classmethod
+    def prepare(cls):
+        # A Desktop that is a file: no folder can be made there, not even by root.
+        os.rmdir(cls.home.folders["Desktop"])
+        with open(cls.home.folders["Desktop"], "w") as blocker:
+            blocker.write("not a folder")
+        super().prepare()
 
-    def tearDown(self):
-        try:
-            self.app.stop_cleanly()
-        finally:
-            self.home.cleanup()
+    def test_captures_go_to_pictures_then_stay_on_the_clipboard(self):
+        desktop, pictures = self.home.folders["Desktop"], self.home.folders["Pictures"]
+        # A window capture lands in Pictures, own and listed, on the clipboard.
+        self.capture_window()
+        first = wait_until(lambda: captures_in(pictures), what="the capture in Pictures")[0]
+        self.assertEqual(differing_pixels(self.pattern, first), 0)
+        self.wait_recorded(first)
+        wait_until(lambda: os.path.basename(first) in listed(), what="the listed capture")
+        self.assertEqual(differing_pixels(clipboard_png(
+            os.path.join(self.home.root, "clip1.png")), first), 0)
+        wait_until(lambda: first in self.monitor.text(), what="the notification naming it")
+        self.assertIn('string "Screenshot saved"', self.monitor.text())
+        self.assertIn(desktop, self.monitor.text())
+        self.assertIn("⚠️ Quillix: ", self.app.output())
+        self.assertIn(first, self.app.output())
 
-    def test_own_captures_filter_and_extensions(self):
-        desktop = self.home.folders["Desktop"]
-        pattern = os.path.join(self.home.root, "pattern.png")
-        make_pattern(pattern)
-        for name in ("X.PNG", "X.jpg", "other-tool.png", ".hidden.png"):
-            shutil.copy(pattern, os.path.join(desktop, name))
-        for name in ("a.mov", "b.mp4"):
-            subprocess.run(["ffmpeg", "-v", "error", "-f", "lavfi", "-i",
-                            "testsrc=size=160x120:rate=10", "-t", "0.5", "-pix_fmt", "yuv420p",
-                            os.path.join(desktop, name)], check=True)
+        # So does an area capture (its notification alone on screen, to be
+        # clicked below).
+        subprocess.run(["dunstctl", "close-all"], check=True)
+        select_area(300, 200, 120, 80)
+        time.sleep(0.3)
+        xdotool("key", "Return")
+        second = wait_until(lambda: [path for path in captures_in(pictures) if path != first],
+                            what="the area capture in Pictures")[0]
+        self.assertEqual(image_size(second), "120x80")
+        wait_until(lambda: second in self.monitor.text(), what="the area capture's notice")
+        self.wait_recorded(second)
+        # A click on its notification opens the capture where it went.
+        subprocess.run(["dunstctl", "action", "0"], check=True)
+        wait_for_window(os.path.splitext(os.path.basename(second))[0],
+                        "the preview from the notification")
 
-        # Another program's files are not listed while the filter is on...
-        subprocess.run(["sleep", "1"])
-        self.assertEqual(call_app("ListedFiles"), [])
+        # With no fallback left either, the picture stays on the clipboard and
+        # the notification says why.
+        for folder in (pictures, self.home.data_dir):
+            os.rename(folder, folder + ".away")
+            with open(folder, "w") as blocker:
+                blocker.write("not a folder")
+        subprocess.run(["xclip", "-selection", "clipboard", "-i", "/dev/null"], check=True)
+        self.capture_window()
+        wait_until(lambda: "Screenshot not saved" in self.monitor.text(),
+                   what="the not-saved notification")
+        self.assertEqual(differing_pixels(clipboard_png(
+            os.path.join(self.home.root, "clip3.png")), self.pattern), 0)
+        self.assertIn("⚠️ Quillix: screenshot not saved", self.app.output())
+        everywhere = glob.glob(os.path.join(self.home.home, "**", "Screenshot_*"), recursive=True)
+        self.assertEqual(len(everywhere), 2, everywhere)
 
-        # ...and are, without a restart, once it is off.
-        call_app("SetShowOnlyQuillixItems", "boolean:false")
-        listed = wait_until(lambda: (lambda names: names if names and len(names) >= 4 else None)(
-            call_app("ListedFiles")), what="the unfiltered list")
-        self.assertEqual(sorted(listed), ["X.PNG", "a.mov", "b.mp4", "other-tool.png"])
-        settings = try_open_file(os.path.join(self.home.data_dir, "settings.bin"))
-        self.assertIn(b'"showOnlyQuillixItems":false', settings)
+
+class QuitRightAfterReturn(AppTestCase):
+    @classmethod
+    def prepare(cls):
+        # A large window of noise makes a PNG that takes a while to encode.
+        noise = os.path.join(cls.home.root, "noise.png")
+        subprocess.run(["convert", "-size", "1600x900", "xc:", "+noise", "Random", noise],
+                       check=True)
+        cls.viewer, _ = show_picture(noise, "+0+40")
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.viewer.terminate()
+        super().tearDownClass()
+
+    def test_sigterm_while_the_capture_is_written_still_records_it(self):
+        select_area(2, 30, 1700, 1000)
+        time.sleep(0.3)
+        xdotool("key", "Return")
+        wait_until(lambda: not viewable_windows(OVERLAY), timeout=10, interval=0.005,
+                   what="the overlay to close")
+        self.app.process.send_signal(signal.SIGTERM)
+        self.assertEqual(self.app.process.wait(timeout=20), 0, self.app.output()[-4000:])
+        files = captures_in(self.home.folders["Desktop"])
+        self.assertEqual(len(files), 1, files)
+        self.assertIn(os.stat(files[0]).st_ino, self.home.registry_inodes())
 
 
 if __name__ == "__main__":
-    BINARY = sys.argv.pop(1)
-    unittest.main(verbosity=2)
+    main()

@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """Holds a global key grab, as another program would, until killed.
 
   hold_key_grab.py KEYSYM MODIFIERS...   e.g. hold_key_grab.py 6 super

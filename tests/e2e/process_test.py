@@ -1,6 +1,10 @@
 #!/usr/bin/python3
-"""The program as a process: held hotkeys, a second copy, the command line,
-hotkey failure lines, notification attachments and keyboard-layout switches."""
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
+"""The program as a process: hotkey failure lines, held hotkeys, a second
+copy, keyboard-layout switches, notification pictures through a quit and a
+crash, and the command line."""
 import ctypes
 import glob
 import os
@@ -11,21 +15,13 @@ import time
 import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
-from quillix_session import (FreshHome, KeyGrabHolder, RunningApp, call_app,  # noqa: E402
-                             is_shown, tray_icon_embedded, viewable_windows, wait_until,
+import quillix_session  # noqa: E402
+from quillix_session import (OVERLAY, POPOVER, AppTestCase, FreshHome,  # noqa: E402
+                             KeyGrabHolder, RunningApp, call_app, is_shown, main,
+                             viewable_windows, wait_for_no_window, wait_for_window, wait_until,
                              window_tree, xdotool)
 
-BINARY = None
-POPOVER = "Quillix gallery"
-OVERLAY = "Area selection"
 ATTACHMENT = re.compile(r"^[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}\.png$")
-
-
-def start_app(home):
-    app = RunningApp(BINARY, home)
-    wait_until(lambda: "hotkey" in app.output() and "id 6" in app.output(), what="hotkeys")
-    wait_until(lambda: call_app("IsPopoverShown") is not None, what="the D-Bus interface")
-    return app
 
 
 def hold(combination, seconds, while_held=None):
@@ -46,6 +42,12 @@ def popover_shown():
     return bool(viewable_windows(POPOVER))
 
 
+def close_popover():
+    if popover_shown():
+        call_app("TogglePopover")
+        wait_until(lambda: not popover_shown(), what="the popover to close")
+
+
 def lock_layout_group(group):
     """Switches the keyboard to another layout of its keymap, as a desktop's
     layout menu does."""
@@ -60,41 +62,62 @@ def lock_layout_group(group):
     xlib.XCloseDisplay(display)
 
 
-class RunningCopy(unittest.TestCase):
-    """One running program, with Super+6 held by another program."""
+def displayed_notifications():
+    return int(subprocess.run(["dunstctl", "count", "displayed"], capture_output=True,
+                              text=True).stdout or 0)
+
+
+class RunningCopy(AppTestCase):
+    """One running program, with Super+6 held by another program, a window to
+    capture and a temporary folder of its own."""
 
     @classmethod
-    def setUpClass(cls):
+    def prepare(cls):
         settings = subprocess.run(["xset", "q"], capture_output=True, text=True).stdout
         assert re.search(r"auto repeat:\s+on", settings), "the X server must repeat held keys"
-        cls.home = FreshHome()
+        cls.temporary = os.path.join(cls.home.root, "tmp")
+        os.makedirs(cls.temporary)
+        cls.home.env["TMPDIR"] = cls.temporary
+        cls.clock = subprocess.Popen(["xclock", "-geometry", "200x200+300+150"])
+        cls.window = subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--class",
+                                     "xclock"], capture_output=True, text=True,
+                                    check=True).stdout.split()[0]
         cls.holder = KeyGrabHolder("6", "super")
-        cls.app = start_app(cls.home)
-        wait_until(tray_icon_embedded, what="the tray icon")
 
     @classmethod
     def tearDownClass(cls):
         cls.holder.release()
+        cls.clock.terminate()
         try:
-            cls.app.stop_cleanly()
+            super().tearDownClass()
         finally:
             subprocess.run(["setxkbmap", "us"], check=True)
-            cls.home.cleanup()
 
-    def test_holding_the_area_key_opens_one_editor_and_a_new_press_the_next(self):
+    def test_1_a_held_combination_fails_alone_with_a_line_saying_what_it_means(self):
+        lines = self.app.output().splitlines()
+        failure = "⚠️ Quillix: failed to register hotkey id 5, error 10"
+        self.assertIn(failure, lines)
+        explanation = lines[lines.index(failure) + 1]
+        self.assertTrue(explanation.startswith("⚠️ Quillix: "), explanation)
+        self.assertIn("⌘6", explanation)
+        self.assertIn("another program", explanation)
+        for other in (1, 2, 3, 4, 6):
+            self.assertIn(f"registered (id {other})", self.app.output())
+
+    def test_2_holding_the_area_key_opens_one_editor_and_a_new_press_the_next(self):
         hold("super+2", 1.5)
-        wait_until(lambda: viewable_windows(OVERLAY), what="the area editor")
+        wait_for_window(OVERLAY, "the area editor")
         time.sleep(0.8)  # the shell waits 0.55 s before each editor opens
         self.assertEqual(len(viewable_windows(OVERLAY)), 1)
         xdotool("key", "Escape")
-        wait_until(lambda: not viewable_windows(OVERLAY), what="the editor to close")
+        wait_for_no_window(OVERLAY)
         # A real release followed by a new press is a new press.
         xdotool("key", "super+2")
-        wait_until(lambda: viewable_windows(OVERLAY), what="the next area editor")
+        wait_for_window(OVERLAY, "the next area editor")
         xdotool("key", "Escape")
-        wait_until(lambda: not viewable_windows(OVERLAY), what="the editor to close")
+        wait_for_no_window(OVERLAY)
 
-    def test_holding_the_open_menu_key_toggles_the_popover_once(self):
+    def test_3_holding_the_open_menu_key_toggles_the_popover_once(self):
         self.assertFalse(popover_shown())
         samples = []
         hold("super+shift+1", 1.5, lambda: samples.append(popover_shown()))
@@ -114,42 +137,29 @@ class RunningCopy(unittest.TestCase):
                 found[path] = (stat.st_ino, stat.st_mtime_ns, stat.st_size)
         return found
 
-    def tray_icons(self):
-        return sum('("quillix"' in line and "22x22" in line for line in window_tree().splitlines())
-
-    def test_a_held_combination_gives_the_failure_line_and_what_it_means(self):
-        lines = self.app.output().splitlines()
-        failure = "⚠️ Quillix: failed to register hotkey id 5, error 10"
-        self.assertIn(failure, lines)
-        explanation = lines[lines.index(failure) + 1]
-        self.assertTrue(explanation.startswith("⚠️ Quillix: "), explanation)
-        self.assertIn("⌘6", explanation)
-        self.assertIn("another program", explanation)
-
-    def test_a_second_copy_opens_the_popover_of_the_first_and_exits(self):
-        if popover_shown():
-            call_app("TogglePopover")
-            wait_until(lambda: not popover_shown(), what="the popover to close")
+    def test_4_a_second_copy_opens_the_popover_of_the_first_and_exits(self):
+        close_popover()
         before = self.data_files()
         self.assertTrue(before, "the first copy keeps its data files")
         for attempt in range(2):  # the second attempt finds the popover open and keeps it so
-            second = subprocess.run([BINARY], env=self.home.env, capture_output=True, text=True,
-                                    timeout=20, stdin=subprocess.DEVNULL)
+            second = subprocess.run([quillix_session.BINARY], env=self.home.env,
+                                    capture_output=True, text=True, timeout=20,
+                                    stdin=subprocess.DEVNULL)
             self.assertEqual(second.returncode, 0, second.stdout + second.stderr)
             lines = [line for line in second.stdout.splitlines() if line.strip()]
             self.assertEqual(len(lines), 1, second.stdout)
             self.assertIn("already running", lines[0])
-            self.assertNotIn("hotkey", second.stdout)
             wait_until(popover_shown, what="the first copy's popover")
         time.sleep(0.3)
         self.assertTrue(popover_shown())
         self.assertTrue(self.app.alive())
-        self.assertEqual(self.tray_icons(), 1)
+        tray_icons = sum('("quillix"' in line and "22x22" in line
+                         for line in window_tree().splitlines())
+        self.assertEqual(tray_icons, 1)
         self.assertEqual(self.data_files(), before)
-        call_app("TogglePopover")
-        wait_until(lambda: not popover_shown(), what="the popover to close")
+        close_popover()
 
-    def test_the_header_key_label_follows_a_layout_switch(self):
+    def test_5_the_header_key_label_follows_a_layout_switch(self):
         call_app("ShowPopover")
         wait_until(popover_shown, what="the popover")
         try:
@@ -166,34 +176,7 @@ class RunningCopy(unittest.TestCase):
             wait_until(lambda: is_shown("2"), what="the label 2 again")
         finally:
             subprocess.run(["setxkbmap", "us"], check=True)
-            call_app("TogglePopover")
-
-
-def displayed_notifications():
-    return int(subprocess.run(["dunstctl", "count", "displayed"], capture_output=True,
-                              text=True).stdout or 0)
-
-
-class NotificationAttachments(unittest.TestCase):
-    def setUp(self):
-        subprocess.run(["dunstctl", "close-all"], check=True)
-        self.home = FreshHome()
-        self.temporary = os.path.join(self.home.root, "tmp")
-        os.makedirs(self.temporary)
-        self.home.env["TMPDIR"] = self.temporary
-        self.clock = subprocess.Popen(["xclock", "-geometry", "200x200+300+150"])
-        self.window = subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--class",
-                                      "xclock"], capture_output=True, text=True,
-                                     check=True).stdout.split()[0]
-        self.app = None
-
-    def tearDown(self):
-        self.clock.terminate()
-        try:
-            if self.app:
-                self.app.stop_cleanly()
-        finally:
-            self.home.cleanup()
+            close_popover()
 
     def attachments(self):
         return sorted(name for name in os.listdir(self.temporary) if ATTACHMENT.match(name))
@@ -206,12 +189,12 @@ class NotificationAttachments(unittest.TestCase):
         self.assertEqual(len(new), 1, self.attachments())
         return new.pop()
 
-    def test_pictures_go_with_their_popup_at_quit_and_after_a_crash(self):
+    def test_6_notification_pictures_go_with_their_popup_at_quit_and_after_a_crash(self):
         strangers = ["0A0A0A0A-0000-4000-8000-000000000000.png", "notes.png"]
         for name in strangers:
             with open(os.path.join(self.temporary, name), "wb") as other:
                 other.write(b"\x89PNG\r\n\x1a\nnot ours")
-        self.app = start_app(self.home)
+        subprocess.run(["dunstctl", "close-all"], check=True)
         closed = self.capture_with_notification()
         subprocess.run(["dunstctl", "close-all"], check=True)
         wait_until(lambda: closed not in self.attachments(), what="the closed popup's picture")
@@ -220,7 +203,7 @@ class NotificationAttachments(unittest.TestCase):
         self.app.process.kill()  # a crash: nothing is cleaned up
         self.app.stop()
         self.assertEqual(self.attachments(), sorted([left, strangers[0]]))
-        self.app = start_app(self.home)
+        type(self).app = RunningApp.ready(self.home)
         wait_until(lambda: left not in self.attachments(), what="the crashed run's picture")
 
         # Captures within one second share a name, and dunst folds a popup
@@ -228,7 +211,6 @@ class NotificationAttachments(unittest.TestCase):
         subprocess.run(["dunstctl", "close-all"], check=True)
         self.capture_with_notification()
         self.app.stop_cleanly()
-        self.app = None
         self.assertEqual(sorted(os.listdir(self.temporary)), strangers)
 
 
@@ -240,12 +222,12 @@ class CommandLine(unittest.TestCase):
                if name not in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY")}
 
         def run(*arguments):
-            return subprocess.run([BINARY, *arguments], env=env, capture_output=True, text=True,
-                                  timeout=20, stdin=subprocess.DEVNULL)
+            return subprocess.run([quillix_session.BINARY, *arguments], env=env,
+                                  capture_output=True, text=True, timeout=20,
+                                  stdin=subprocess.DEVNULL)
 
         usage = run("--help")
         self.assertEqual((usage.returncode, usage.stderr), (0, ""))
-        self.assertIn("Quillix", usage.stdout)
         self.assertIn("--version", usage.stdout)
         version = run("--version")
         self.assertEqual((version.returncode, version.stdout), (0, "Quillix 1.0.0\n"))
@@ -259,5 +241,4 @@ class CommandLine(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    BINARY = sys.argv.pop(1)
-    unittest.main(verbosity=2)
+    main()

@@ -1,209 +1,121 @@
 #!/usr/bin/python3
-"""The tray shell driven like a user: tray icon, hotkeys, popover, pill."""
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
+"""The tray shell driven like a user, on one program with a full gallery: the
+open-menu hotkey and the tray icon, the popover and pill, presses in the
+program's own menus and dialogs, see-through corners, and what the area
+hotkey leaves on screen."""
 import os
-import re
 import subprocess
 import sys
 import time
-import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
-from quillix_session import (FreshHome, KeyGrabHolder, RunningApp,  # noqa: E402
-                             centre, locate, tray_icon_embedded, viewable_windows, wait_until,
-                             window_geometry, xdotool)
+from quillix_session import (OVERLAY, PILL, POPOVER, TOOLBAR, AppTestCase,  # noqa: E402
+                             call_app, captures_in, centre, click_at, click_control, drag, main, open_cell_menu, open_gallery, pixels, screen_shot,
+                             tray_icon_window, viewable_windows, wait_for_no_window,
+                             wait_for_window, wait_until, window_geometry, write_pictures,
+                             xdotool)
 
-BINARY = None
-POPOVER = "Quillix gallery"
-PILL = "Quillix controls"
-
-EXPECTED_REGISTRATIONS = [
-    "✅ Quillix: hotkey ⇧⌘1 registered (id 1)",
-    "✅ Quillix: hotkey ⇧⌘2 registered (id 2)",
-    "✅ Quillix: hotkey ⌘2 registered (id 3)",
-    "✅ Quillix: hotkey ⌘3 registered (id 4)",
-    "✅ Quillix: hotkey ⌘6 registered (id 5)",
-    "✅ Quillix: hotkey ⌘7 registered (id 6)",
-]
+NAMES = [f"shot{index:02d}.png" for index in range(18)]  # six rows, oldest first
+PREVIEW = os.path.splitext(NAMES[-1])[0]  # a preview's title: its file name without extension
+ROOT_COLOUR = (0x33, 0x66, 0x99)
 
 
-class Shell(unittest.TestCase):
-    def setUp(self):
-        self.home = FreshHome()
-        self.app = None
-        self.holder = None
-
-    def tearDown(self):
-        if self.holder:
-            self.holder.release()
-        try:
-            if self.app:
-                self.app.stop_cleanly()
-        finally:
-            self.home.cleanup()
-
-    def start(self):
-        self.app = RunningApp(BINARY, self.home)
-        wait_until(lambda: "(id 6)" in self.app.output() or "hotkey id 6" in self.app.output(),
-                   what="hotkey registration")
-        wait_until(tray_icon_embedded, what="the tray icon")
-
-    def popover_shown(self):
-        return bool(viewable_windows(POPOVER))
-
-    def pill_shown(self):
-        return bool(viewable_windows(PILL))
-
-    def open_with_hotkey(self):
-        xdotool("key", "super+shift+1")
-        wait_until(lambda: self.popover_shown() and self.pill_shown(), what="popover and pill")
-
-    def test_six_hotkeys_register_and_the_screen_binding_never_does(self):
-        self.start()
-        lines = [line for line in self.app.output().splitlines() if "hotkey" in line]
-        self.assertEqual(lines, EXPECTED_REGISTRATIONS)
-        self.assertNotIn("⌘4", self.app.output())
-
-    def test_open_menu_hotkey_toggles_popover_and_pill(self):
-        self.start()
-        self.open_with_hotkey()
-        popover = window_geometry(viewable_windows(POPOVER)[0])
-        pill = window_geometry(viewable_windows(PILL)[0])
-        self.assertEqual(popover[2:], (320, 420))
-        self.assertEqual(pill[2:], (320, 44))
-        self.assertEqual(popover[1], 24, "the popover hangs under the tray panel")
-        self.assertEqual(pill[1], popover[1] + 420 + 6)
-        self.assertEqual(pill[0], popover[0])
-        self.assertLessEqual(popover[0] + 320, 1920)
-
-        xdotool("key", "super+shift+1")
-        wait_until(lambda: not self.popover_shown() and not self.pill_shown(),
-                   what="popover and pill to close")
-
-    def test_clicks_in_the_pill_keep_the_popover_and_clicks_elsewhere_close_it(self):
-        self.start()
-        self.open_with_hotkey()
-        x, y, width, height = window_geometry(viewable_windows(PILL)[0])
-        xdotool("mousemove", str(x + width // 2), str(y + height // 2), "click", "1")
-        time.sleep(0.5)
-        self.assertTrue(self.popover_shown())
-        self.assertTrue(self.pill_shown())
-
-        xdotool("mousemove", "400", "700", "click", "1")
-        wait_until(lambda: not self.popover_shown() and not self.pill_shown(),
-                   what="an outside click to close the popover")
-
-    def test_tray_icon_click_opens_and_closes_the_popover(self):
-        self.start()
-        icon = [line for line in os.popen("xwininfo -root -tree").read().splitlines()
-                if '("quillix"' in line and "22x22" in line]
-        self.assertTrue(icon, "tray icon window")
-        match = re.search(r"\+(\d+)\+(\d+)\s*$", icon[0])
-        x, y = int(match.group(1)) + 11, int(match.group(2)) + 11
-        xdotool("mousemove", str(x), str(y), "click", "1")
-        wait_until(lambda: self.popover_shown() and self.pill_shown(), what="popover from tray")
-        popover = window_geometry(viewable_windows(POPOVER)[0])
-        # Under the icon, pushed left only as far as the screen edge needs.
-        self.assertEqual(popover[0], min(x - 160, 1920 - 320))
-        self.assertEqual(popover[1], 24)
-        xdotool("mousemove", str(x), str(y), "click", "1")
-        wait_until(lambda: not self.popover_shown(), what="second tray click to close")
-
-    def test_a_combination_held_by_another_program_fails_alone(self):
-        self.holder = KeyGrabHolder("6", "super")
-        self.start()
-        output = self.app.output()
-        self.assertIn("⚠️ Quillix: failed to register hotkey id 5, error 10", output)
-        self.assertNotIn("registered (id 5)", output)
-        for line in EXPECTED_REGISTRATIONS[:4] + EXPECTED_REGISTRATIONS[5:]:
-            self.assertIn(line, output)
-        self.open_with_hotkey()
-
-
-def pixels(path, *points):
-    """(red, green, blue) of each (x, y) of an image."""
+def own_menus():
+    """Geometry of the program's viewable override-redirect windows (menus)."""
     found = []
-    for x, y in points:
-        text = subprocess.run(["convert", path, "-format", f"%[pixel:p{{{x},{y}}}]", "info:"],
-                              capture_output=True, text=True, check=True).stdout
-        values = text[text.index("(") + 1:text.index(")")].split(",")
-        found.append(tuple(int(float(v)) for v in values[:3]))
+    tree = subprocess.run(["xwininfo", "-root", "-children"], capture_output=True,
+                          text=True).stdout
+    for line in tree.splitlines():
+        if '("quillix" "Quillix")' in line:
+            info = subprocess.run(["xwininfo", "-id", line.split()[0]], capture_output=True,
+                                  text=True).stdout
+            if "IsViewable" in info and "Override Redirect State: yes" in info:
+                found.append(window_geometry(line.split()[0]))
     return found
 
 
-class PopoverAmongOwnWindows(unittest.TestCase):
-    """A full gallery, started once: presses in the program's own menus and
-    dialogs, and the see-through corners."""
-    NAMES = [f"shot{index:02d}.png" for index in range(18)]  # six rows, oldest first
-    ROOT_COLOUR = (0x33, 0x66, 0x99)
+def shown(*names):
+    return all(viewable_windows(name) for name in names)
+
+
+class Shell(AppTestCase):
+    LISTING = len(NAMES)
 
     @classmethod
-    def setUpClass(cls):
-        subprocess.run(["xsetroot", "-solid", "#%02x%02x%02x" % cls.ROOT_COLOUR], check=True)
-        cls.home = FreshHome()
-        for name in cls.NAMES:
-            subprocess.run(["convert", "-size", "480x300", "xc:#3a7d44",
-                            f"PNG24:{os.path.join(cls.home.folders['Desktop'], name)}"],
-                           check=True)
-            time.sleep(0.02)  # distinct creation times: a known order
-        cls.app = RunningApp.listing_every_file(BINARY, cls.home, len(cls.NAMES))
+    def prepare(cls):
+        subprocess.run(["xsetroot", "-solid", "#%02x%02x%02x" % ROOT_COLOUR], check=True)
+        write_pictures(cls.home.folders["Desktop"], NAMES)
 
-    @classmethod
-    def tearDownClass(cls):
-        try:
-            cls.app.stop_cleanly()
-        finally:
-            cls.home.cleanup()
+    def wait_closed(self, what):
+        wait_until(lambda: not viewable_windows(POPOVER) and not viewable_windows(PILL),
+                   what=what)
 
-    def tearDown(self):
-        if self._outcome.result.failures or self._outcome.result.errors:
-            print(self.app.output()[-4000:])
-
-    def popover_shown(self):
-        return bool(viewable_windows(POPOVER))
-
-    def open_gallery(self):
-        if not self.popover_shown():
-            xdotool("key", "super+shift+1")
-        wait_until(self.popover_shown, what="the gallery popover")
-        locate(self.NAMES[0])
-        time.sleep(0.5)  # the entrance slide and the pill's fade
-
-    def test_corners_show_the_desktop_without_a_compositor(self):
-        self.open_gallery()
+    def test_1_hotkey_and_tray_icon_toggle_the_popover_and_outside_presses_close_it(self):
+        xdotool("key", "super+shift+1")
+        wait_until(lambda: shown(POPOVER, PILL), what="popover and pill")
         popover = window_geometry(viewable_windows(POPOVER)[0])
         pill = window_geometry(viewable_windows(PILL)[0])
-        shot = os.path.join(self.home.root, "corners.png")
-        subprocess.run(["import", "-window", "root", shot], check=True)
+        self.assertEqual(popover[1], 24, "the popover hangs under the tray panel")
+        self.assertEqual(pill[0], popover[0])
+        self.assertGreater(pill[1], popover[1] + popover[3], "the pill sits under the popover")
+        # A press in the pill keeps both; the hotkey again closes them.
+        click_at(*centre(pill))
+        time.sleep(0.5)
+        self.assertTrue(shown(POPOVER, PILL))
+        xdotool("key", "super+shift+1")
+        self.wait_closed("the hotkey to close the popover")
+        # A press on the desktop closes them.
+        xdotool("key", "super+shift+1")
+        wait_until(lambda: shown(POPOVER, PILL), what="popover and pill again")
+        xdotool("mousemove", "400", "700", "click", "1")
+        self.wait_closed("an outside click to close the popover")
+
+        # A click on the tray icon opens it under the icon, pushed left only
+        # as far as the screen's edge needs; a press on the icon must not
+        # close it only for the click to open it again.
+        x, y = centre(window_geometry(tray_icon_window()))
+        xdotool("mousemove", str(x), str(y), "click", "1")
+        wait_until(lambda: shown(POPOVER, PILL), what="the popover from the tray icon")
+        left, top, width, _ = window_geometry(viewable_windows(POPOVER)[0])
+        self.assertEqual(left, min(x - width // 2, 1920 - width))
+        self.assertEqual(top, 24)
+        xdotool("mousemove", str(x), str(y), "click", "1")
+        self.wait_closed("a second tray click to close it")
+
+    def test_2_corners_show_the_desktop_without_a_compositor(self):
+        open_gallery()
+        time.sleep(0.2)  # the pill's fade
+        popover = window_geometry(viewable_windows(POPOVER)[0])
+        pill = window_geometry(viewable_windows(PILL)[0])
+        shot = screen_shot(os.path.join(self.home.root, "corners.png"))
         corners = []
         for x, y, width, height in (popover, pill):
             corners += [(x, y), (x + width - 1, y), (x, y + height - 1),
                         (x + width - 1, y + height - 1)]
-        self.assertEqual(pixels(shot, *corners), [self.ROOT_COLOUR] * len(corners))
+        self.assertEqual(pixels(shot, *corners), [ROOT_COLOUR] * len(corners))
         # The panels themselves are still there, edge to edge.
-        middle = [(popover[0] + 160, popover[1] + 1), (pill[0] + 160, pill[1] + 22)]
-        self.assertNotIn(self.ROOT_COLOUR, pixels(shot, *middle))
+        middle = [(popover[0] + popover[2] // 2, popover[1] + 1), centre(pill)]
+        self.assertNotIn(ROOT_COLOUR, pixels(shot, *middle))
 
-    def test_presses_in_our_own_menu_and_dialog_keep_the_gallery_open(self):
-        self.open_gallery()
+    def test_3_presses_in_our_own_menu_and_dialog_keep_the_gallery_open(self):
+        open_gallery()
         popover = window_geometry(viewable_windows(POPOVER)[0])
         pill = window_geometry(viewable_windows(PILL)[0])
         # The oldest picture sits in the last row: its menu reaches past the
         # bottom of the pill.
-        x, y = centre(locate(self.NAMES[0]))
-        xdotool("mousemove", str(x), str(y))
-        time.sleep(0.2)
-        xdotool("click", "3")
-        menu = wait_until(lambda: [w for w in self.own_windows() if w[1] + w[3] > pill[1] + pill[3]],
+        open_cell_menu(NAMES[0])
+        menu = wait_until(lambda: [w for w in own_menus() if w[1] + w[3] > pill[1] + pill[3]],
                           what="the cell's menu below the pill")[0]
         # "Rename…" is the second row from the bottom of the menu, below the pill.
         item_y = menu[1] + menu[3] - 36
         self.assertGreater(item_y, pill[1] + pill[3])
-        xdotool("mousemove", str(menu[0] + 40), str(item_y))
-        time.sleep(0.2)
-        xdotool("click", "1")
-        dialog = wait_until(lambda: viewable_windows("Rename Screenshot"), what="the rename dialog")[0]
+        click_at(menu[0] + 40, item_y)
+        dialog = wait_for_window("Rename Screenshot", "the rename dialog")
         time.sleep(0.3)
-        self.assertTrue(self.popover_shown(), "a press in our menu closed the gallery")
+        self.assertTrue(viewable_windows(POPOVER), "a press in our menu closed the gallery")
 
         x, y, width, height = window_geometry(dialog)
         self.assertFalse(x < popover[0] + popover[2] and popover[0] < x + width and
@@ -211,31 +123,77 @@ class PopoverAmongOwnWindows(unittest.TestCase):
                          "the dialog must lie outside the popover for this test")
         xdotool("mousemove", str(x + 12), str(y + height // 2), "click", "1")
         time.sleep(0.5)
-        self.assertTrue(self.popover_shown(), "a press in our dialog closed the gallery")
+        self.assertTrue(viewable_windows(POPOVER), "a press in our dialog closed the gallery")
         xdotool("key", "Escape")
-        wait_until(lambda: not viewable_windows("Rename Screenshot"), what="the dialog to close")
-        self.assertTrue(self.popover_shown())
-        self.assertTrue(os.path.exists(os.path.join(self.home.folders["Desktop"],
-                                                    self.NAMES[0])))
+        wait_for_no_window("Rename Screenshot")
+        self.assertTrue(viewable_windows(POPOVER))
+        self.assertTrue(os.path.exists(self.home.desktop(NAMES[0])))
 
         xdotool("mousemove", "400", "700", "click", "1")
-        wait_until(lambda: not self.popover_shown(), what="a press on the desktop to close it")
+        wait_for_no_window(POPOVER, "a press on the desktop to close it")
 
-    def own_windows(self):
-        """Geometry of the program's viewable override-redirect windows (menus)."""
-        found = []
-        tree = subprocess.run(["xwininfo", "-root", "-children"], capture_output=True,
-                              text=True).stdout
-        for line in tree.splitlines():
-            if '("quillix" "Quillix")' in line:
-                window = line.split()[0]
-                info = subprocess.run(["xwininfo", "-id", window], capture_output=True,
-                                      text=True).stdout
-                if "IsViewable" in info and "Override Redirect State: yes" in info:
-                    found.append(window_geometry(window))
-        return found
+    def assert_tray_icon_and_preview_stay(self, after):
+        icon = tray_icon_window()
+        self.assertIsNotNone(icon, f"tray icon embedded after {after}")
+        # The tray host shrinks to a sliver when the icon window is unmapped.
+        info = subprocess.run(["xwininfo", "-id", icon], capture_output=True, text=True).stdout
+        self.assertIn("IsViewable", info, after)
+        self.assertEqual(window_geometry(icon)[2], 22, after)
+        self.assertTrue(viewable_windows(PREVIEW), f"the preview is still shown after {after}")
+
+    def test_4_the_area_hotkey_leaves_the_tray_icon_and_an_open_preview_alone(self):
+        open_gallery()
+        click_control(NAMES[-1])
+        wait_for_window(PREVIEW, "the preview window")
+        time.sleep(0.5)
+
+        xdotool("key", "super+2")
+        wait_for_window(OVERLAY, "the area overlay")
+        time.sleep(0.3)
+        xdotool("key", "Escape")
+        wait_for_no_window(OVERLAY)
+        time.sleep(0.5)
+        self.assert_tray_icon_and_preview_stay("Super+2 and Escape")
+
+        xdotool("key", "super+2")
+        wait_for_window(OVERLAY, "the area overlay")
+        time.sleep(0.3)
+        drag((250, 150), (550, 350), steps=2, pause=0)
+        toolbar = wait_for_window(TOOLBAR, "the toolbar")
+        time.sleep(0.5)
+        # Without a compositor a transparent window corner shows black: the
+        # toolbar's corner must show what lies under it, like its neighbour.
+        x, y, _, _ = window_geometry(toolbar)
+        shot = screen_shot(os.path.join(self.home.root, "toolbar.png"))
+        corner, beside = pixels(shot, (x, y), (x - 1, y))
+        self.assertEqual(corner, beside, "the toolbar's corner is not see-through")
+        xdotool("key", "Return")
+        wait_until(lambda: captures_in(self.home.folders["Desktop"]), what="the saved capture")
+        wait_for_no_window(OVERLAY)
+        time.sleep(0.5)
+        self.assert_tray_icon_and_preview_stay("Super+2, a drag and Return")
+
+    def test_5_other_hotkeys_do_nothing_while_the_editor_is_open(self):
+        xdotool("key", "super+2")
+        first = wait_for_window(OVERLAY, "the area overlay")
+        xdotool("key", "super+2")
+        time.sleep(0.8)  # longer than any capture start
+        self.assertEqual(viewable_windows(OVERLAY), [first], "one editor, the first one")
+
+        xdotool("key", "super+shift+1")
+        time.sleep(0.5)
+        self.assertEqual(call_app("IsPopoverShown"), [False])
+        self.assertFalse(viewable_windows(POPOVER))
+        xdotool("key", "Escape")
+        wait_for_no_window(OVERLAY, "Escape to close the editor")
+        self.assertFalse(viewable_windows(POPOVER))
+
+        # Afterwards the hotkeys work as before.
+        xdotool("key", "super+shift+1")
+        wait_for_window(POPOVER, "the gallery after the editor")
+        xdotool("key", "super+shift+1")
+        wait_for_no_window(POPOVER)
 
 
 if __name__ == "__main__":
-    BINARY = sys.argv.pop(1)
-    unittest.main(verbosity=2)
+    main()

@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // The pill under the gallery: its buttons and the trash drop target, over a
 // real library in a temporary folder, the real freedesktop trash and the
 // real canberra player. Drags are delivered as Qt drag events; the

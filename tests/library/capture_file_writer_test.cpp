@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 #include "library/capture_file_writer.h"
 
 #include <gtest/gtest.h>
@@ -29,12 +32,6 @@ QStringList visibleEntries(const QString& folder) {
 QStringList allEntries(const QString& folder) {
     return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot,
                                   QDir::Name);
-}
-
-quint64 inodeOf(const QString& path) {
-    struct stat status {};
-    EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &status), 0) << path.toStdString();
-    return status.st_ino;
 }
 
 template <typename T>

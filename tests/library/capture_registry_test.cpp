@@ -1,7 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 #include "library/capture_registry.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <QFile>
 #include <QFileInfo>
@@ -11,12 +13,6 @@
 #include "support/test_support.h"
 
 namespace {
-
-quint64 inodeOf(const QString& path) {
-    struct stat status {};
-    EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &status), 0) << path.toStdString();
-    return status.st_ino;
-}
 
 class CaptureRegistryTest : public testing::Test {
 protected:

@@ -1,7 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 #include "library/screenshot_store.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <QDir>
 #include <QFile>
@@ -36,12 +38,6 @@ void writePng(const QString& path, QSize size = {8, 8}, QColor left = Qt::red,
                               right);
     QDir().mkpath(QFileInfo(path).absolutePath());
     ASSERT_TRUE(image.save(path, "PNG")) << path.toStdString();
-}
-
-quint64 inodeOf(const QString& path) {
-    struct stat status {};
-    EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &status), 0);
-    return status.st_ino;
 }
 
 // File times are taken from a coarse kernel clock; a pause this long puts

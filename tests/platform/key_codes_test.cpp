@@ -1,21 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 #include "platform/key_codes.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-TEST(KeyCodes, DefaultBindingKeysMapToTheirX11Keycodes) {
-    // X keycodes of the digit row on every PC keyboard: "1" is 10 … "7" is 16.
-    EXPECT_EQ(KeyCodes::xKeycodeFromKeyCode(18), 10u);
-    EXPECT_EQ(KeyCodes::xKeycodeFromKeyCode(19), 11u);
-    EXPECT_EQ(KeyCodes::xKeycodeFromKeyCode(20), 12u);
-    EXPECT_EQ(KeyCodes::xKeycodeFromKeyCode(21), 13u);
-    EXPECT_EQ(KeyCodes::xKeycodeFromKeyCode(22), 15u);
-    EXPECT_EQ(KeyCodes::xKeycodeFromKeyCode(26), 16u);
-    EXPECT_EQ(KeyCodes::xKeycodeFromKeyCode(36), 36u);  // Return
-    EXPECT_EQ(KeyCodes::xKeycodeFromKeyCode(49), 65u);  // Space
-    EXPECT_EQ(KeyCodes::xKeycodeFromKeyCode(53), 9u);   // Escape
-}
 
 TEST(KeyCodes, EveryTableEntryRoundTrips) {
     for (quint32 code = 0; code < 128; ++code) {

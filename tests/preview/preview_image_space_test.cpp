@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // Where the preview shows a picture, how shapes drawn over it are flattened
 // onto the picture's pixels, and how file sizes read.
 

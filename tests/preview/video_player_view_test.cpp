@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 // Recordings in the preview: a real QuickTime clip made with the ffmpeg
 // command-line tool plays through Qt Multimedia on the virtual desktop, and
 // the preview treats it as a recording (player, no canvas, no save).

@@ -1,4 +1,7 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """An independent implementation of the data-file envelope, for interop tests.
 
   aesgcm_peer.py seal PLAINTEXT_FILE ENVELOPE_FILE

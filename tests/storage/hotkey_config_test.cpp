@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 #include "storage/hotkey_config.h"
 
 #include <gtest/gtest.h>
@@ -11,12 +14,6 @@ constexpr qint64 kShift = KeyModifiers::kShift;
 constexpr qint64 kOpt = KeyModifiers::kAlt;
 constexpr qint64 kCtrl = KeyModifiers::kControl;
 
-constexpr char kDefaultHotkeysJson[] =
-    R"({"openMenu":{"keyCode":18,"modifiers":768},"showHUD":{"keyCode":19,"modifiers":768},)"
-    R"("captureArea":{"keyCode":19,"modifiers":256},"captureWindow":{"keyCode":20,"modifiers":256},)"
-    R"("captureScreen":{"keyCode":21,"modifiers":256},"recordWindow":{"keyCode":22,"modifiers":256},)"
-    R"("recordScreen":{"keyCode":26,"modifiers":256}})";
-
 TEST(HotkeyBindingText, ModifierGlyphsComeInTheFixedOrder) {
     EXPECT_EQ(displayString({19, kCmd}), "⌘2");
     EXPECT_EQ(displayString({18, kShift | kCmd}), "⇧⌘1");
@@ -24,32 +21,8 @@ TEST(HotkeyBindingText, ModifierGlyphsComeInTheFixedOrder) {
     EXPECT_EQ(displayString({0, kCmd | kShift | kOpt | kCtrl}), "⌃⌥⇧⌘A");
     EXPECT_EQ(displayString({36, kCmd}), "⌘↩");
     EXPECT_EQ(displayString({53, 0}), "(53)");
-}
-
-TEST(HotkeyBindingText, UnknownModifierBitsAreNotShown) {
+    // Unknown modifier bits are not shown.
     EXPECT_EQ(displayString({20, kCmd | 0x1 | 0x400 | 0x20000}), "⌘3");
-}
-
-TEST(HotkeyBindingText, KeyNameTable) {
-    const std::pair<quint32, const char*> expected[] = {
-        {0, "A"},       {6, "Z"},       {11, "B"},        {16, "Y"},     {22, "6"},    {23, "5"},
-        {29, "0"},      {36, "↩"},      {48, "⇥"},        {49, "Space"}, {96, "F5"},   {99, "F3"},
-        {118, "F4"},    {120, "F2"},    {122, "F1"},      {10, "(10)"},  {24, "(24)"}, {53, "(53)"},
-        {101, "(101)"}, {123, "(123)"}, {1099, "(1099)"},
-    };
-    for (const auto& [code, name] : expected) {
-        EXPECT_EQ(keyName(code), QString::fromUtf8(name)) << code;
-    }
-}
-
-TEST(HotkeyBindingEquality, ComparesKeyAndMask) {
-    EXPECT_EQ((HotkeyBinding{19, kCmd}), (HotkeyBinding{19, kCmd}));
-    EXPECT_NE((HotkeyBinding{19, kCmd}), (HotkeyBinding{19, kCmd | kShift}));
-    EXPECT_NE((HotkeyBinding{19, kCmd}), (HotkeyBinding{20, kCmd}));
-}
-
-TEST(HotkeyConfigJson, DefaultsEncodeInTheFixedMemberOrder) {
-    EXPECT_EQ(encodeJson(HotkeyConfig::defaults().toJson()), QByteArray(kDefaultHotkeysJson));
 }
 
 TEST(HotkeyConfigJson, RoundTripKeepsUnknownModifierBits) {

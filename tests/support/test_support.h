@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
 #pragma once
 
 #include <QByteArray>
@@ -32,6 +35,8 @@ private:
 
 QByteArray readFileBytes(const QString& path);
 void writeFileBytes(const QString& path, const QByteArray& bytes);
+// The inode number of a file (a failed look-up fails the test).
+quint64 inodeOf(const QString& path);
 // Permission bits (0777 mask) of a file or folder.
 unsigned permissionBits(const QString& path);
 

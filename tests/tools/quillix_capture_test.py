@@ -1,3 +1,6 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Quillix developers
+
 """End-to-end checks of quillix-capture against real windows on the virtual desktop.
 
 Usage: quillix_capture_test.py PATH_TO_QUILLIX_CAPTURE
@@ -18,6 +21,9 @@ import sys
 import tempfile
 import time
 import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "e2e"))
+from quillix_session import wait_until  # noqa: E402
 
 TOOL = None  # set from the command line
 
@@ -240,15 +246,6 @@ def window_position(window):
     return x + border, y + border
 
 
-def wait_until(predicate, what, timeout=15.0):
-    deadline = time.monotonic() + timeout
-    while time.monotonic() < deadline:
-        if predicate():
-            return
-        time.sleep(0.05)
-    raise AssertionError(f"timed out waiting for {what}")
-
-
 def differing_pixels(expected, actual):
     return sum(1 for i in range(0, min(len(expected), len(actual)), 4)
                if expected[i:i + 4] != actual[i:i + 4])
@@ -290,7 +287,7 @@ def wait_until_shown(test, window, width, height, expected):
     def shown():
         x, y = window_position(window)
         return crop(screen_rgba(), x, y, width, height) == expected
-    wait_until(shown, f"window {window} to show its pattern")
+    wait_until(shown, what=f"window {window} to show its pattern")
     return window_position(window)
 
 
@@ -319,9 +316,9 @@ class CaptureCase(unittest.TestCase):
         self.windows.append(window)
         return window
 
-    def capture_window(self, window_id, name):
+    def capture_window(self, window_id, name, env=None):
         path = self.path(name)
-        result = run_tool("-l", str(window_id), "-x", path)
+        result = run_tool("-l", str(window_id), "-x", path, env=env)
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(result.stderr, "")
         return read_png(path)
@@ -360,17 +357,14 @@ class WindowCaptureTest(CaptureCase):
         self.assertEqual(crop(screen_rgba(), cover_x, cover_y, 160, 120), cover_expected)
 
         # The same by hexadecimal id.
-        path = self.path("hex.png")
-        result = run_tool("-l", hex(plain.id), "-x", path)
-        self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertImage(read_png(path), 301, 203, expected)
+        self.assertImage(self.capture_window(hex(plain.id), "hex.png"), 301, 203, expected)
 
     def test_partly_off_screen_window_with_a_slow_owner(self):
         slow = self.show("qc-slow", 300, 300, 173, 91, seed=3, repaint_delay=0.2)
         expected = slow.expected()
         wait_until_shown(self, slow.id, 173, 91, expected)
         move_window(slow.id, 1850, 1040)
-        wait_until(lambda: window_position(slow.id)[0] > 1800, "the window to move")
+        wait_until(lambda: window_position(slow.id)[0] > 1800, what="the window to move")
         x, y = window_position(slow.id)
         self.assertGreater(x + 173, 1920)
         self.assertGreater(y + 91, 1080)
@@ -405,13 +399,9 @@ class WindowCaptureTest(CaptureCase):
     def test_third_party_window_with_backing_store(self):
         width, height = 123, 77
         pattern_path = self.path("pattern.png")
-        raw_path = self.path("pattern.rgba")
         expected = pattern_rgba(width, height, seed=5)
-        with open(raw_path, "wb") as raw:
-            raw.write(expected)
-        subprocess.run(["convert", "-size", f"{width}x{height}", "-depth", "8", f"rgba:{raw_path}",
-                        "-alpha", "off", pattern_path], check=True)
-        os.remove(raw_path)
+        subprocess.run(["convert", "-size", f"{width}x{height}", "-depth", "8", "rgba:-",
+                        "-alpha", "off", pattern_path], input=expected, check=True)
         self.processes.append(subprocess.Popen(
             ["display", "-title", "qc-display", "-geometry", "+900+400", pattern_path]))
         found = subprocess.run(["xdotool", "search", "--sync", "--name", "^qc-display$"],
@@ -453,14 +443,13 @@ class AreaCaptureTest(CaptureCase):
                 return
         self.fail(f"{args} does not match the screen")
 
-    def test_rectangles_and_whole_screen(self):
+    def test_rectangles_and_whole_screen_and_none_outside_it(self):
         self.assertMatchesScreen(["-R", "40,90,141,111"], 40, 90, 141, 111)
         self.assertMatchesScreen(["-R", "1850,1000,300,200"], 1850, 1000, 70, 80)  # clamped
         self.assertMatchesScreen(["-R", "-10,-20,30,40"], 0, 0, 20, 20)
         self.assertMatchesScreen([], 0, 0, 1920, 1080)
         self.assertMatchesScreen(["-x"], 0, 0, 1920, 1080)
-
-    def test_rectangle_outside_the_screen(self):
+        os.remove(self.path("area.png"))
         self.assertFailure(run_tool("-R", "1920,0,10,10", self.path("out.png")), 6)
         self.assertFailure(run_tool("-R", "-50,-50,50,50", self.path("out.png")), 6)
         self.assertFolderEmpty()
@@ -539,16 +528,11 @@ class WithoutCompositeTest(CaptureCase):
     def test_visible_and_partly_off_screen_windows(self):
         # No window manager here: windows sit exactly where they are created.
         inside = self.show("qc-inside", 20, 30, 97, 61, seed=9, env=self.env)
-        path = self.path("inside.png")
-        result = run_tool("-l", str(inside.id), path, env=self.env)
-        self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertImage(read_png(path), 97, 61, inside.expected())
+        self.assertImage(self.capture_window(inside.id, "inside.png", self.env), 97, 61,
+                         inside.expected())
 
         edge = self.show("qc-edge", 597, 447, 97, 61, seed=10, border=3, env=self.env)
-        path = self.path("edge.png")
-        result = run_tool("-l", str(edge.id), path, env=self.env)
-        self.assertEqual(result.returncode, 0, result.stderr)
-        width, height, rgba = read_png(path)
+        width, height, rgba = self.capture_window(edge.id, "edge.png", self.env)
         self.assertEqual((width, height), (97, 61))
         expected = edge.expected()
         visible = (40, 30)  # the part of the window inside the 640x480 screen
