@@ -5,7 +5,6 @@
 hotkeys and the status panel's Stop like a user; the files checked with ffprobe
 and decoded pictures. The cases run in name order on one program, which the
 last one kills and starts again."""
-import glob
 import json
 import os
 import re
@@ -13,15 +12,13 @@ import signal
 import subprocess
 import sys
 import time
-import unittest
 
 sys.path.insert(0, os.path.dirname(__file__))
-from quillix_session import (FreshHome, RunningApp, call_app, click_control,  # noqa: E402
-                             is_shown, locate, tray_icon_embedded, wait_until,
-                             window_geometry, xdotool)
+import quillix_session  # noqa: E402
+from quillix_session import (AppTestCase, RunningApp, click_control, frame_extents,  # noqa: E402
+                             is_shown, listed, locate, wait_until, window_geometry, xdotool)
 
-BINARY = None
-TEST_WINDOW = None
+TEST_WINDOW = None  # test_window, from the command line
 FILE_NAME = re.compile(r"^Recording_(\d+)\.mp4$")
 RED = (208, 32, 32)
 BLUE = (32, 64, 208)
@@ -59,50 +56,29 @@ def close_to(colour, expected, tolerance=24):
     return all(abs(a - b) <= tolerance for a, b in zip(colour, expected))
 
 
-def frame_extents(window):
-    """left, right, top, bottom of the window manager's frame around `window`."""
-    text = subprocess.run(["xprop", "-id", str(window), "_NET_FRAME_EXTENTS"],
-                          capture_output=True, text=True, check=True).stdout
-    return tuple(int(value) for value in text.split("=")[1].split(","))
-
-
 def own_visible_windows():
     return subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "^quillix$"],
                           capture_output=True, text=True).stdout.split()
 
 
-class Recording(unittest.TestCase):
+class Recording(AppTestCase):
+    windows = []
+
     @classmethod
-    def setUpClass(cls):
-        cls.home = FreshHome()
+    def prepare(cls):
         cls.sound = os.path.join(cls.home.root, "sound.raw")
         # Sounds are written to a file instead of a sound card.
         with open(os.path.join(cls.home.home, ".asoundrc"), "w") as asoundrc:
             asoundrc.write('pcm.!default {\n type file\n slave.pcm "null"\n'
                            f' file "{cls.sound}"\n format "raw"\n}}\n')
         cls.desktop = cls.home.folders["Desktop"]
-        cls.windows = []
-        cls.app = cls.start_app()
 
     @classmethod
     def tearDownClass(cls):
         for window in cls.windows:
             window.terminate()
             window.wait(timeout=10)
-        try:
-            code = cls.app.stop()
-            if code != 0:
-                raise AssertionError(f"quillix exited with {code}:\n{cls.app.output()[-4000:]}")
-        finally:
-            cls.home.cleanup()
-
-    @classmethod
-    def start_app(cls):
-        app = RunningApp(BINARY, cls.home)
-        wait_until(lambda: "(id 6)" in app.output(), what="hotkeys")
-        wait_until(tray_icon_embedded, what="the tray icon")
-        wait_until(lambda: call_app("ListedFiles") is not None, what="the D-Bus interface")
-        return app
+        super().tearDownClass()
 
     @classmethod
     def open_window(cls, x, y, width, height, colour, title):
@@ -115,10 +91,6 @@ class Recording(unittest.TestCase):
         xdotool("windowactivate", "--sync", str(window))
         time.sleep(0.3)  # painted
         return window
-
-    def tearDown(self):
-        if self._outcome.result.failures or self._outcome.result.errors:
-            print(self.app.output()[-4000:])
 
     def recordings(self):
         return sorted(name for name in os.listdir(self.desktop) if FILE_NAME.match(name))
@@ -167,7 +139,7 @@ class Recording(unittest.TestCase):
         self.assertTrue(close_to(frame_colour(video, 1.0, x + width // 2, y + height // 2,
                                               self.home.root), RED))
 
-        wait_until(lambda: (call_app("ListedFiles") or [None])[0] == name,
+        wait_until(lambda: listed()[:1] == [name],
                    what="the recording first in the gallery")
         wait_until(lambda: os.path.exists(self.sound) and os.path.getsize(self.sound) > 0,
                    what="the shutter sound")
@@ -197,7 +169,7 @@ class Recording(unittest.TestCase):
         # The title bar is recorded too.
         self.assertFalse(close_to(frame_colour(video, 1.0, frame_width // 2, top // 2,
                                                self.home.root), BLUE))
-        wait_until(lambda: (call_app("ListedFiles") or [None])[0] == os.path.basename(video),
+        wait_until(lambda: listed()[:1] == [os.path.basename(video)],
                    what="the window recording first in the gallery")
 
     def test_3_escape_leaves_nothing_and_records_nothing(self):
@@ -236,7 +208,7 @@ class Recording(unittest.TestCase):
 
         # After a restart a recording works, and a quit during it finishes
         # the file rather than leaving it fragmented.
-        type(self).app = self.start_app()
+        type(self).app = RunningApp.ready(self.home)
         time.sleep(1.1)  # a new second: a new file name
         xdotool("key", "super+7")
         self.wait_for_panel()
@@ -254,6 +226,5 @@ class Recording(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    BINARY = os.path.abspath(sys.argv.pop(1))
-    TEST_WINDOW = os.path.abspath(sys.argv.pop(1))
-    unittest.main(verbosity=2)
+    TEST_WINDOW = os.path.abspath(sys.argv.pop(2))
+    quillix_session.main()
