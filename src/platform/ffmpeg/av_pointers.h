@@ -12,7 +12,7 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
-// Owning pointers for the FFmpeg objects of the screen recorder.
+// Owning pointers for the FFmpeg objects of the recorder and the frame reader.
 struct AvFrameFreer {
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
 };

@@ -10,13 +10,12 @@
 #include <memory>
 
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 #include <libavutil/dict.h>
 #include <libavutil/display.h>
 #include <libavutil/time.h>
-#include <libswscale/swscale.h>
 }
+
+#include "platform/ffmpeg/av_pointers.h"
 
 namespace {
 
@@ -25,28 +24,6 @@ namespace {
 constexpr int kMaxPacketsBeforeFirstFrame = 2000;
 constexpr int64_t kTimeLimitMicroseconds = 10'000'000;
 
-struct FormatContextCloser {
-    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-struct CodecContextFreer {
-    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-};
-struct FrameFreer {
-    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-};
-struct PacketFreer {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-struct ScalerFreer {
-    void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
-};
-
-using FormatContextPtr = std::unique_ptr<AVFormatContext, FormatContextCloser>;
-using CodecContextPtr = std::unique_ptr<AVCodecContext, CodecContextFreer>;
-using FramePtr = std::unique_ptr<AVFrame, FrameFreer>;
-using PacketPtr = std::unique_ptr<AVPacket, PacketFreer>;
-using ScalerPtr = std::unique_ptr<SwsContext, ScalerFreer>;
-
 int interruptAfterDeadline(void* opaque) {
     const int64_t deadline = *static_cast<const int64_t*>(opaque);
     return av_gettime_relative() > deadline ? 1 : 0;
@@ -54,7 +31,7 @@ int interruptAfterDeadline(void* opaque) {
 
 // Opens a local file only: the whitelist keeps a crafted playlist or
 // reference movie from reaching out to the network or other protocols.
-FormatContextPtr openInput(const QString& path, int64_t* deadline) {
+AvInputPtr openInput(const QString& path, int64_t* deadline) {
     AVFormatContext* context = avformat_alloc_context();
     if (context == nullptr) {
         return {};
@@ -70,15 +47,15 @@ FormatContextPtr openInput(const QString& path, int64_t* deadline) {
     if (opened < 0) {
         return {};  // avformat_open_input has freed the context.
     }
-    FormatContextPtr input(context);
+    AvInputPtr input(context);
     if (avformat_find_stream_info(context, nullptr) < 0) {
         return {};
     }
     return input;
 }
 
-CodecContextPtr openDecoder(const AVStream& stream, const AVCodec& codec) {
-    CodecContextPtr decoder(avcodec_alloc_context3(&codec));
+AvCodecContextPtr openDecoder(const AVStream& stream, const AVCodec& codec) {
+    AvCodecContextPtr decoder(avcodec_alloc_context3(&codec));
     if (!decoder || avcodec_parameters_to_context(decoder.get(), stream.codecpar) < 0) {
         return {};
     }
@@ -94,7 +71,7 @@ CodecContextPtr openDecoder(const AVStream& stream, const AVCodec& codec) {
 // packets are skipped: a later key frame may still decode.
 bool decodeFirstFrame(AVFormatContext& input, int streamIndex, AVCodecContext& decoder,
                       AVFrame& frame) {
-    PacketPtr packet(av_packet_alloc());
+    AvPacketPtr packet(av_packet_alloc());
     if (!packet) {
         return false;
     }
@@ -177,8 +154,9 @@ QImage scaleToImage(const AVFrame& frame, int maxSide) {
         return {};
     }
     const QSize size = thumbnailSize(frame, maxSide);
-    ScalerPtr scaler(sws_getContext(frame.width, frame.height, format, size.width(), size.height(),
-                                    AV_PIX_FMT_RGB0, SWS_AREA, nullptr, nullptr, nullptr));
+    SwsContextPtr scaler(sws_getContext(frame.width, frame.height, format, size.width(),
+                                        size.height(), AV_PIX_FMT_RGB0, SWS_AREA, nullptr, nullptr,
+                                        nullptr));
     if (!scaler) {
         return {};
     }
@@ -203,7 +181,7 @@ QImage FfmpegVideoFrameReader::firstFrame(const QString& path, int maxSide) cons
         return {};
     }
     int64_t deadline = av_gettime_relative() + kTimeLimitMicroseconds;
-    const FormatContextPtr input = openInput(path, &deadline);
+    const AvInputPtr input = openInput(path, &deadline);
     if (!input) {
         return {};
     }
@@ -218,8 +196,8 @@ QImage FfmpegVideoFrameReader::firstFrame(const QString& path, int maxSide) cons
         }
     }
     const AVStream& stream = *input->streams[streamIndex];
-    const CodecContextPtr decoder = openDecoder(stream, *codec);
-    const FramePtr frame(av_frame_alloc());
+    const AvCodecContextPtr decoder = openDecoder(stream, *codec);
+    const AvFramePtr frame(av_frame_alloc());
     if (!decoder || !frame || !decodeFirstFrame(*input, streamIndex, *decoder, *frame)) {
         return {};
     }
