@@ -105,8 +105,10 @@ public:
                    const MoveFinished& finished);
     bool isMoving(const QUuid& id) const { return moving_.contains(id); }
     // Drops the shelf at once and moves its folder to the trash in the
-    // background; a folder that cannot be trashed stays where it is. A shelf
-    // deleted while it moves is trashed where the move leaves it.
+    // background; a folder that cannot be trashed stays where it is. Until
+    // that move ends (a rename, in practice at once) the folder's name is
+    // still taken. A shelf deleted while it moves is trashed where the move
+    // leaves it.
     void deleteShelf(const QUuid& id);
 
     // The shelf's media files (images and videos by extension, in any case),
