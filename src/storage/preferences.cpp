@@ -142,3 +142,13 @@ bool Preferences::hasSeenOnboarding() const {
 void Preferences::setHasSeenOnboarding(bool seen) {
     store(kHasSeenOnboarding, seen);
 }
+
+// Window frames live in a group of their own, one entry per window name.
+QByteArray Preferences::windowFrame(const QString& name) const {
+    return settings_.value(QStringLiteral("windowFrames/") + name).toByteArray();
+}
+
+void Preferences::setWindowFrame(const QString& name, const QByteArray& geometry) {
+    settings_.setValue(QStringLiteral("windowFrames/") + name, geometry);
+    settings_.sync();
+}

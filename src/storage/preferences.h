@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QByteArray>
 #include <QObject>
 #include <QSettings>
 #include <QString>
@@ -77,6 +78,11 @@ public:
 
     bool hasSeenOnboarding() const;
     void setHasSeenOnboarding(bool seen);
+
+    // The remembered position and size of the window saved under `name`
+    // (QWidget::saveGeometry()); empty when none was saved.
+    QByteArray windowFrame(const QString& name) const;
+    void setWindowFrame(const QString& name, const QByteArray& geometry);
 
 Q_SIGNALS:
     // `key` is the stored key name, e.g. "maxScreenshots".
