@@ -21,7 +21,7 @@
 #include "library/screenshot_item.h"
 #include "library/screenshot_store.h"
 #include "library/thumbnailer.h"
-#include "shelves/file_manager_reveal.h"
+#include "platform/dbus/file_manager_reveal.h"
 #include "shelves/shelf_services.h"
 #include "storage/file_move.h"
 #include "storage/screenshot_metadata_store.h"

@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // SPDX-FileCopyrightText: 2026 The Quillix developers
 
-#include "shelves/file_manager_reveal.h"
+#include "platform/dbus/file_manager_reveal.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <QUrl>
 
-#include "shelves/shelf_services.h"
-
 namespace {
+
+Q_LOGGING_CATEGORY(lcFileManager, "quillix.filemanager")
 
 const QString kService = QStringLiteral("org.freedesktop.FileManager1");
 
@@ -40,6 +41,6 @@ void revealInFileManager(const QString& filePath) {
             return;
         }
     }
-    qCInfo(lcShelfWindow) << "no file manager service; opening the folder of" << filePath;
+    qCInfo(lcFileManager) << "no file manager service; opening the folder of" << filePath;
     QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(filePath).absolutePath()));
 }
