@@ -27,7 +27,10 @@
 #include "platform/window_unmap_watcher.h"
 #include "preview/screenshot_preview_window_controller.h"
 #include "recording/recording_picker.h"
+#include "shelves/shelf_window.h"
 #include "storage/preferences.h"
+#include "storage/screenshot_metadata_store.h"
+#include "storage/shelf_store.h"
 #include "storage/user_settings.h"
 #include "widgets/popover_placement.h"
 
@@ -154,8 +157,13 @@ void AppDelegate::showPillPanel() {
     const QRect popoverFrame = popover_->geometry();
     QScreen* screen = screenAt(popoverFrame.center());
     FooterPillView::Actions actions;
-    // The settings and shelves windows are not built yet: their buttons only
-    // close the popover.
+    // The settings window is not built yet: its button only closes the
+    // popover.
+    actions.showShelves = [self = QPointer<AppDelegate>(this)] {
+        if (self) {
+            self->showShelves();
+        }
+    };
     // exit(), not quit(): no window may veto quitting from the pill.
     actions.quit = [] {
         // Unsaved annotations in a preview are asked about first.
@@ -279,6 +287,16 @@ void AppDelegate::setUpNotifications() {
 
 void AppDelegate::openPreview(const ScreenshotItem& item) {
     ScreenshotPreviewWindowController::show(item);
+}
+
+void AppDelegate::showShelves() {
+    if (!shelfWindow_) {
+        shelfWindow_ = std::make_unique<ShelfWindow>(
+            ShelfWindow::Stores{ShelfStore::shared(), UserSettings::shared(), Preferences::shared(),
+                                ScreenshotMetadataStore::shared(), ScreenshotStore::shared()},
+            &AppDelegate::openPreview);
+    }
+    shelfWindow_->present();
 }
 
 void AppDelegate::openNotifiedCapture(const QString& path) {

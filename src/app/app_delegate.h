@@ -16,6 +16,7 @@ class ScreenshotItem;
 class PillPanel;
 class PopoverWindow;
 class QSystemTrayIcon;
+class ShelfWindow;
 
 // The process's one long-lived controller: it runs the launch sequence, owns
 // the tray icon, the gallery popover and the pill under it, and wires every
@@ -69,12 +70,15 @@ private:
     void setUpNotifications();
     void openNotifiedCapture(const QString& path);
     static void openPreview(const ScreenshotItem& item);
+    void showShelves();
 
     std::unique_ptr<QSystemTrayIcon> trayIcon_;
     QString customIconPath_;
     std::unique_ptr<PopoverWindow> popover_;
     QPointer<MenuBarView> gallery_;  // the popover's content
     std::unique_ptr<PillPanel> pillPanel_;
+    // Made on first use and kept: closing it only hides it.
+    std::unique_ptr<ShelfWindow> shelfWindow_;
     bool clickMonitorInstalled_ = false;
     std::unique_ptr<HotKeyManager> hotKeyManager_;
     QPointer<ClearScreenStarter> pendingStart_;
