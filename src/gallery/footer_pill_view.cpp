@@ -185,13 +185,16 @@ FooterPillView::FooterPillView(ScreenshotStore& library, SoundPlayer& sounds, Ac
     row->addSpacing(kButtonGap);
     row->addWidget(quit_);
 
-    const auto closeThenOpen = [this](const std::function<void()>& open) {
-        if (actions_.closePopover) {
-            actions_.closePopover();
+    // Closing the popover deletes the pill, this view included: the actions
+    // are copies, so nothing of the view is used once it is gone.
+    const auto closeThenOpen = [this](std::function<void()> open) {
+        const std::function<void()> closePopover = actions_.closePopover;
+        if (closePopover) {
+            closePopover();
         }
         // The pill goes with the popover: the application runs the timer.
         if (open) {
-            QTimer::singleShot(kOpenWindowDelayMs, qApp, open);
+            QTimer::singleShot(kOpenWindowDelayMs, qApp, std::move(open));
         }
     };
     connect(settings_, &QPushButton::clicked, this,
