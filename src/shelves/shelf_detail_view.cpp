@@ -175,7 +175,6 @@ QWidget* ShelfDetailView::makeDropArea() {
                                    widget_style::secondary(palette()), QSize(28, 28),
                                    devicePixelRatioF()));
     dropText_ = new QLabel(area);
-    dropText_->setAccessibleName(QStringLiteral("Drop hint"));
     dropText_->setAlignment(Qt::AlignCenter);
     layout->addWidget(symbol);
     layout->addWidget(dropText_);
@@ -285,8 +284,10 @@ void ShelfDetailView::updateHeader() {
 
 void ShelfDetailView::updateDropArea() {
     const bool show = files_.isEmpty() || targeted_;
-    dropText_->setText(targeted_ ? QStringLiteral("Release to add")
-                                 : QStringLiteral("Drop files here"));
+    const QString hint =
+        targeted_ ? QStringLiteral("Release to add") : QStringLiteral("Drop files here");
+    dropText_->setText(hint);
+    dropText_->setAccessibleName(hint);
     dropArea_->setVisible(show);
     grid_->setVisible(!show);
     QPalette areaPalette = dropArea_->palette();
