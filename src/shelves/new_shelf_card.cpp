@@ -12,9 +12,16 @@
 #include "widgets/symbol_icon.h"
 #include "widgets/widget_style.h"
 
+namespace {
+
+// As high as a shelf card.
+constexpr int kCardHeight = 120;
+
+}  // namespace
+
 NewShelfCard::NewShelfCard(QWidget* parent) : QFrame(parent) {
     setAccessibleName(QStringLiteral("New Shelf"));
-    setMinimumHeight(110);
+    setFixedHeight(kCardHeight);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(10, 10, 10, 10);
     auto* symbol = new QLabel(this);

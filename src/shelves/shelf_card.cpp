@@ -21,6 +21,7 @@
 namespace {
 
 constexpr QSize kPictureSize(140, 64);
+constexpr int kCardHeight = 120;
 
 }  // namespace
 
@@ -28,7 +29,7 @@ ShelfCard::ShelfCard(const ShelfItem& shelf, ShelfServices& services, QWidget* p
     : QFrame(parent), shelf_(shelf), services_(services) {
     setAccessibleName(QStringLiteral("Shelf %1").arg(shelf.name));
     setFocusPolicy(Qt::StrongFocus);
-    setMinimumHeight(110);
+    setFixedHeight(kCardHeight);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(10, 10, 10, 10);
     picture_ = new QLabel(this);

@@ -55,7 +55,7 @@ QPixmap tilePixmap(const QImage& thumbnail, bool video, const QPalette& palette,
     QPainter painter(&tile);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     if (thumbnail.isNull()) {
-        const QString symbol = video ? QStringLiteral("video.fill") : QStringLiteral("photo");
+        const QString symbol = video ? QStringLiteral("video") : QStringLiteral("photo");
         const QPixmap placeholder =
             symbolPixmap(symbol, widget_style::secondary(palette), QSize(22, 22), dpr);
         painter.drawPixmap((size.width() - 22) / 2, (size.height() - 22) / 2, placeholder);
@@ -115,6 +115,7 @@ ShelfDetailView::ShelfDetailView(ShelfServices& services, QWidget* parent)
     grid_->setIconSize(kTileSize);
     grid_->setGridSize(kTileSize + QSize(kTileSpacing, kTileSpacing));
     grid_->setFrameShape(QFrame::NoFrame);
+    grid_->viewport()->setAutoFillBackground(false);
     grid_->setSelectionMode(QAbstractItemView::SingleSelection);
     grid_->setContextMenuPolicy(Qt::CustomContextMenu);
     // Drops go to this view, which moves the files.
@@ -138,7 +139,6 @@ QWidget* ShelfDetailView::makeHeader() {
     auto* layout = new QHBoxLayout(header);
     layout->setContentsMargins(12, 12, 12, 8);
     back_ = headerButton(QStringLiteral("chevron.left"), QStringLiteral("Back"), header);
-    back_->setText(QStringLiteral("‹"));
     connect(back_, &QPushButton::clicked, this, &ShelfDetailView::backRequested);
     auto* titles = new QVBoxLayout;
     titles->setSpacing(1);
