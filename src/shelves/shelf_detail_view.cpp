@@ -112,6 +112,9 @@ ShelfDetailView::ShelfDetailView(ShelfServices& services, QWidget* parent)
     grid_->setResizeMode(QListView::Adjust);
     grid_->setMovement(QListView::Static);
     grid_->setUniformItemSizes(true);
+    // Large shelves are laid out a part at a time between events.
+    grid_->setLayoutMode(QListView::Batched);
+    grid_->setBatchSize(100);
     grid_->setIconSize(kTileSize);
     grid_->setGridSize(kTileSize + QSize(kTileSpacing, kTileSpacing));
     grid_->setFrameShape(QFrame::NoFrame);
@@ -220,9 +223,7 @@ void ShelfDetailView::showFiles(const QStringList& files) {
 void ShelfDetailView::appendTile(const QString& path) {
     files_.append(path);
     const QString name = QFileInfo(path).fileName();
-    auto* item = new QListWidgetItem(
-        QIcon(tilePixmap({}, isShelfVideo(path), palette(), devicePixelRatioF())), QString(),
-        grid_);
+    auto* item = new QListWidgetItem(placeholderIcon(isShelfVideo(path)), QString(), grid_);
     item->setData(kPathRole, path);
     item->setData(Qt::AccessibleTextRole, name);
     item->setToolTip(name);
@@ -257,6 +258,17 @@ void ShelfDetailView::showThumbnail(const QString& path, const QImage& thumbnail
         item->setIcon(
             QIcon(tilePixmap(thumbnail, isShelfVideo(path), palette(), devicePixelRatioF())));
     }
+    Q_EMIT thumbnailShown(path);
+}
+
+// Drawing a symbol renders its SVG: the two placeholders are drawn once and
+// shared by every tile.
+QIcon ShelfDetailView::placeholderIcon(bool video) {
+    QIcon& icon = video ? videoPlaceholder_ : picturePlaceholder_;
+    if (icon.isNull()) {
+        icon = QIcon(tilePixmap({}, video, palette(), devicePixelRatioF()));
+    }
+    return icon;
 }
 
 QListWidgetItem* ShelfDetailView::tileOf(const QString& path) const {
@@ -355,8 +367,12 @@ void ShelfDetailView::finishDrop(const QString& source, const QString& destinati
     if (record.event) {
         metadata.setEvent(record.event, destination);
     }
-    metadata.setColorLabel(std::nullopt, source);
-    metadata.setEvent(std::nullopt, source);
+    // Each change rewrites the sealed file: a file without a record (most
+    // dropped files) costs nothing.
+    if (!record.isEmpty()) {
+        metadata.setColorLabel(std::nullopt, source);
+        metadata.setEvent(std::nullopt, source);
+    }
 
     const bool inThisShelf = shelf_ && QFileInfo(destination).absolutePath() ==
                                            QFileInfo(shelf_->folderPath).absoluteFilePath();

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QIcon>
 #include <QImage>
 #include <QStringList>
 #include <QWidget>
@@ -56,6 +57,8 @@ Q_SIGNALS:
     // A dropped file has been moved (or failed to move); `moved` says which.
     void dropFinished(const QString& source, bool moved);
     void trashFinished(const QString& path, bool trashed);
+    // A tile's thumbnail has been decoded and shown.
+    void thumbnailShown(const QString& path);
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -76,6 +79,7 @@ private:
     void showTileMenu(const QPoint& position);
     void chooseLocation();
     QListWidgetItem* tileOf(const QString& path) const;
+    QIcon placeholderIcon(bool video);
 
     ShelfServices& services_;
     std::optional<ShelfItem> shelf_;
@@ -90,4 +94,6 @@ private:
     QWidget* dropArea_ = nullptr;
     QLabel* dropText_ = nullptr;
     QListWidget* grid_ = nullptr;
+    QIcon picturePlaceholder_;
+    QIcon videoPlaceholder_;
 };
