@@ -4,6 +4,7 @@
 #include "shelves/shelf_card.h"
 
 #include <QContextMenuEvent>
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -68,7 +69,9 @@ ShelfCard::ShelfCard(const ShelfItem& shelf, ShelfServices& services, QWidget* p
 }
 
 // Counting means reading the folder, and the preview means decoding a
-// picture: both on a worker.
+// picture: both on a worker. The result goes to the application object:
+// the card may be deleted meanwhile, and its guarded pointer is read only on
+// the GUI thread.
 void ShelfCard::loadContent() {
     QPointer<ShelfCard> self(this);
     const ShelfItem shelf = shelf_;
@@ -84,7 +87,7 @@ void ShelfCard::loadContent() {
         }
         const int count = static_cast<int>(files.size());
         QMetaObject::invokeMethod(
-            self.data(),
+            QCoreApplication::instance(),
             [self, count, preview] {
                 if (self) {
                     self->showContent(count, preview);

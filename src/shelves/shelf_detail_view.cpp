@@ -3,6 +3,7 @@
 
 #include "shelves/shelf_detail_view.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QFile>
@@ -184,21 +185,24 @@ QWidget* ShelfDetailView::makeDropArea() {
     return area;
 }
 
+// Workers hand their results to the application object, which outlives
+// every view; the guarded view pointer is read only there, on the GUI
+// thread.
 void ShelfDetailView::setShelf(const ShelfItem& shelf) {
     shelf_ = shelf;
-    ++generation_;
+    ++*generation_;
     files_.clear();
     grid_->clear();
     updateHeader();
     updateDropArea();
     QPointer<ShelfDetailView> self(this);
-    const int generation = generation_;
+    const int generation = *generation_;
     services_.pool.start([self, shelf, generation] {
         const QStringList files = ShelfStore::files(shelf);
         QMetaObject::invokeMethod(
-            self.data(),
+            QCoreApplication::instance(),
             [self, files, generation] {
-                if (self && self->generation_ == generation) {
+                if (self && *self->generation_ == generation) {
                     self->showFiles(files);
                 }
             },
@@ -233,18 +237,19 @@ void ShelfDetailView::appendTile(const QString& path) {
 // One worker decodes the tiles in order and hands each over as it is done.
 void ShelfDetailView::loadThumbnails(const QStringList& paths) {
     QPointer<ShelfDetailView> self(this);
-    const int generation = generation_;
+    const int generation = *generation_;
     const Thumbnailer& thumbnailer = services_.thumbnailer;
-    services_.pool.start([self, paths, generation, &thumbnailer] {
+    const std::shared_ptr<const std::atomic_int> current = generation_;
+    services_.pool.start([self, paths, generation, current, &thumbnailer] {
         for (const QString& path : paths) {
-            if (!self) {
+            if (*current != generation) {
                 return;
             }
             const QImage thumbnail = thumbnailer.decode(path);
             QMetaObject::invokeMethod(
-                self.data(),
+                QCoreApplication::instance(),
                 [self, path, thumbnail, generation] {
-                    if (self && self->generation_ == generation) {
+                    if (self && *self->generation_ == generation) {
                         self->showThumbnail(path, thumbnail);
                     }
                 },
@@ -338,7 +343,7 @@ void ShelfDetailView::dropEvent(QDropEvent* event) {
         services_.pool.start([self, source, destination] {
             const int error = moveWithoutReplacing(source, destination);
             QMetaObject::invokeMethod(
-                self.data(),
+                QCoreApplication::instance(),
                 [self, source, destination, error] {
                     if (self) {
                         self->finishDrop(source, destination, error);
@@ -407,7 +412,7 @@ void ShelfDetailView::moveToTrash(const QString& path) {
         QString unusedPathInTrash;
         const bool trashed = QFile::moveToTrash(path, &unusedPathInTrash);
         QMetaObject::invokeMethod(
-            self.data(),
+            QCoreApplication::instance(),
             [self, path, trashed] {
                 if (!self) {
                     return;

@@ -7,6 +7,8 @@
 #include <QImage>
 #include <QStringList>
 #include <QWidget>
+#include <atomic>
+#include <memory>
 #include <optional>
 
 #include "storage/shelf_item.h"
@@ -84,8 +86,9 @@ private:
     ShelfServices& services_;
     std::optional<ShelfItem> shelf_;
     QStringList files_;
-    // Results of an older listing or decoding are dropped.
-    int generation_ = 0;
+    // Results of an older listing or decoding are dropped, and its workers
+    // stop early: they read the current generation through this counter.
+    std::shared_ptr<std::atomic_int> generation_ = std::make_shared<std::atomic_int>(0);
     bool targeted_ = false;
     QPushButton* back_ = nullptr;
     QLabel* name_ = nullptr;
