@@ -24,6 +24,7 @@
 #include "library/thumbnailer.h"
 #include "platform/dbus/file_manager_reveal.h"
 #include "shelves/shelf_services.h"
+#include "shelves/shelf_tile_delegate.h"
 #include "storage/file_move.h"
 #include "storage/screenshot_metadata_store.h"
 #include "storage/shelf_store.h"
@@ -120,6 +121,9 @@ ShelfDetailView::ShelfDetailView(ShelfServices& services, QWidget* parent)
     grid_->setGridSize(kTileSize + QSize(kTileSpacing, kTileSpacing));
     grid_->setFrameShape(QFrame::NoFrame);
     grid_->viewport()->setAutoFillBackground(false);
+    grid_->setMouseTracking(true);
+    grid_->viewport()->setAttribute(Qt::WA_Hover);
+    grid_->setItemDelegate(new ShelfTileDelegate(grid_));
     grid_->setSelectionMode(QAbstractItemView::SingleSelection);
     grid_->setContextMenuPolicy(Qt::CustomContextMenu);
     // Drops go to this view, which moves the files.
@@ -156,6 +160,7 @@ QWidget* ShelfDetailView::makeHeader() {
     path_->setFont(widget_style::font(font(), 11, QFont::Normal));
     path_->setMinimumWidth(40);
     path_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    path_->installEventFilter(this);
     titles->addWidget(name_);
     titles->addWidget(path_);
     location_ = headerButton(QStringLiteral("folder.badge.gear"),
@@ -295,8 +300,7 @@ void ShelfDetailView::updateHeader() {
     }
     name_->setText(shelf_->name);
     path_->setToolTip(shelf_->folderPath);
-    path_->setText(path_->fontMetrics().elidedText(shelf_->folderPath, Qt::ElideMiddle,
-                                                   std::max(path_->width(), 200)));
+    elidePath();
 }
 
 void ShelfDetailView::updateDropArea() {
@@ -312,6 +316,19 @@ void ShelfDetailView::updateDropArea() {
                                                                    targeted_ ? 0.18 : 0.0));
     dropArea_->setAutoFillBackground(targeted_);
     dropArea_->setPalette(areaPalette);
+}
+
+// The folder's path is shortened to the width the header gives it.
+bool ShelfDetailView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == path_ && event->type() == QEvent::Resize) {
+        elidePath();
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void ShelfDetailView::elidePath() {
+    const QString full = shelf_ ? shelf_->folderPath : QString();
+    path_->setText(path_->fontMetrics().elidedText(full, Qt::ElideMiddle, path_->width()));
 }
 
 void ShelfDetailView::dragEnterEvent(QDragEnterEvent* event) {

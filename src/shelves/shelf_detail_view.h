@@ -66,6 +66,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget* makeHeader();
@@ -77,6 +78,7 @@ private:
     void finishDrop(const QString& source, const QString& destination, int error);
     void removeFile(const QString& path);
     void updateHeader();
+    void elidePath();
     void updateDropArea();
     void showTileMenu(const QPoint& position);
     void chooseLocation();
