@@ -4,7 +4,8 @@
 
 """The shelves window opened from the pill and driven like a user: a shelf
 made from the "New Shelf" card, a taken name refused, a blank name
-dropped, and a capture dragged from the gallery onto the opened shelf."""
+dropped, and a capture dragged from the gallery onto the opened shelf, whose
+tile then opens its preview."""
 import os
 import sys
 import time
@@ -60,6 +61,11 @@ class Shelves(AppTestCase):
         wait_until(lambda: os.path.exists(moved), what="alpha.png in the shelf")
         self.assertFalse(os.path.exists(self.home.desktop("alpha.png")))
         wait_until(lambda: "alpha.png" not in listed(), what="the gallery's list")
+
+        # The moved file's tile opens its preview.
+        wait_until(lambda: is_shown("alpha.png"), what="the tile of alpha.png")
+        click_control("alpha.png")
+        wait_for_window("alpha", "the preview of the moved file")
 
 
 if __name__ == "__main__":

@@ -114,6 +114,39 @@ private Q_SLOTS:
         QVERIFY(!library_->preferences.windowFrame(QStringLiteral("ShelfWindow")).isEmpty());
     }
 
+    void aSecondWindowComesBackWithTheRememberedSize() {
+        window().resize(410, 530);
+        QTRY_COMPARE(window().size(), QSize(410, 530));
+        window().hide();
+        ShelfWindow again({*store_, library_->settings, library_->preferences, library_->metadata,
+                           library_->store()},
+                          {});
+        QCOMPARE(again.size(), QSize(410, 530));
+    }
+
+    void cardsRenameInPlaceAndIgnoreRefusedNames() {
+        QVERIFY(!store_->createShelf(QStringLiteral("Old")));
+        QVERIFY(!store_->createShelf(QStringLiteral("Taken")));
+        const auto renameFirst = [this](const QString& text, Qt::Key key) {
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            ShelfCard* card = list().cards().constFirst();
+            card->startRenaming();
+            QCOMPARE(card->renameField()->text(), card->shelf().name);
+            card->renameField()->setText(text);
+            QTest::keyClick(card->renameField(), key);
+            QVERIFY(!card->isRenaming());
+        };
+        renameFirst(QStringLiteral(" New\t"), Qt::Key_Return);
+        QCOMPARE(store_->shelves().constFirst().name, QStringLiteral("New"));
+        QVERIFY(QFileInfo(shelfFolder("New")).isDir());
+        QVERIFY(!QFileInfo::exists(shelfFolder("Old")));
+
+        renameFirst(QStringLiteral("Taken"), Qt::Key_Return);
+        renameFirst(QStringLiteral("Elsewhere"), Qt::Key_Escape);
+        QCOMPARE(store_->shelves().constFirst().name, QStringLiteral("New"));
+        QVERIFY(list().errorMessage().isEmpty());
+    }
+
     void newShelfCardCreatesRefusesDuplicatesAndCancels() {
         typeNewShelf(QStringLiteral("  Design\t"), Qt::Key_Return);
         QVERIFY(QFileInfo(shelfFolder("Design")).isDir());
