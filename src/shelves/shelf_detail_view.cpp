@@ -239,8 +239,16 @@ void ShelfDetailView::appendTile(const QString& path) {
     item->setSizeHint(kTileSize + QSize(kTileSpacing, kTileSpacing));
 }
 
-// One worker decodes the tiles in order and hands each over as it is done.
+// The tiles are decoded in order, a few dozen per worker task, so that every
+// thread of the pool takes part and each picture is handed over once done.
 void ShelfDetailView::loadThumbnails(const QStringList& paths) {
+    constexpr qsizetype kTilesPerTask = 25;
+    for (qsizetype first = 0; first < paths.size(); first += kTilesPerTask) {
+        decodeThumbnails(paths.mid(first, kTilesPerTask));
+    }
+}
+
+void ShelfDetailView::decodeThumbnails(const QStringList& paths) {
     QPointer<ShelfDetailView> self(this);
     const int generation = *generation_;
     const Thumbnailer& thumbnailer = services_.thumbnailer;

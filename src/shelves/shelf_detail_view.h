@@ -74,6 +74,7 @@ private:
     void showFiles(const QStringList& files);
     void appendTile(const QString& path);
     void loadThumbnails(const QStringList& paths);
+    void decodeThumbnails(const QStringList& paths);
     void showThumbnail(const QString& path, const QImage& thumbnail);
     void finishDrop(const QString& source, const QString& destination, int error);
     void removeFile(const QString& path);
