@@ -47,27 +47,34 @@ QPushButton* headerButton(const QString& symbol, const QString& name, QWidget* p
     return button;
 }
 
-// A tile's picture: the thumbnail (or the placeholder symbol) centred on the
-// tile, and the play badge on recordings.
-QPixmap tilePixmap(const QImage& thumbnail, bool video, const QPalette& palette, qreal dpr) {
+// The thumbnail scaled to cover the whole tile and cropped to it: the costly
+// part of a tile, done on the worker that decoded it.
+QImage croppedToTile(const QImage& thumbnail, qreal dpr) {
+    if (thumbnail.isNull()) {
+        return {};
+    }
+    const QSize pixels = ShelfDetailView::kTileSize * dpr;
+    const QImage scaled =
+        thumbnail.scaled(pixels, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
+    return scaled.copy((scaled.width() - pixels.width()) / 2,
+                       (scaled.height() - pixels.height()) / 2, pixels.width(), pixels.height());
+}
+
+// A tile's picture: the cropped thumbnail (or the placeholder symbol
+// centred), and the play badge on recordings.
+QPixmap tilePixmap(const QImage& cropped, bool video, const QPalette& palette, qreal dpr) {
     const QSize size = ShelfDetailView::kTileSize;
     QPixmap tile(size * dpr);
     tile.setDevicePixelRatio(dpr);
     tile.fill(widget_style::withAlpha(widget_style::primary(palette), 0.06));
     QPainter painter(&tile);
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    if (thumbnail.isNull()) {
+    if (cropped.isNull()) {
         const QString symbol = video ? QStringLiteral("video") : QStringLiteral("photo");
         const QPixmap placeholder =
             symbolPixmap(symbol, widget_style::secondary(palette), QSize(22, 22), dpr);
         painter.drawPixmap((size.width() - 22) / 2, (size.height() - 22) / 2, placeholder);
     } else {
-        const QImage scaled =
-            thumbnail.scaled(size * dpr, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
-        const QRectF source((scaled.width() - size.width() * dpr) / 2,
-                            (scaled.height() - size.height() * dpr) / 2, size.width() * dpr,
-                            size.height() * dpr);
-        painter.drawImage(QRectF(QPointF(0, 0), QSizeF(size)), scaled, source);
+        painter.drawImage(QRectF(QPointF(0, 0), QSizeF(size)), cropped);
     }
     if (video) {
         const QRectF badge(size.width() - 22, size.height() - 22, 18, 18);
@@ -253,12 +260,13 @@ void ShelfDetailView::decodeThumbnails(const QStringList& paths) {
     const int generation = *generation_;
     const Thumbnailer& thumbnailer = services_.thumbnailer;
     const std::shared_ptr<const std::atomic_int> current = generation_;
-    services_.pool.start([self, paths, generation, current, &thumbnailer] {
+    const qreal dpr = devicePixelRatioF();
+    services_.pool.start([self, paths, generation, current, dpr, &thumbnailer] {
         for (const QString& path : paths) {
             if (*current != generation) {
                 return;
             }
-            const QImage thumbnail = thumbnailer.decode(path);
+            const QImage thumbnail = croppedToTile(thumbnailer.decode(path), dpr);
             QMetaObject::invokeMethod(
                 QCoreApplication::instance(),
                 [self, path, thumbnail, generation] {
