@@ -14,6 +14,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
 
@@ -241,6 +242,22 @@ private Q_SLOTS:
 
         QTest::mouseClick(detail().backButton(), Qt::LeftButton);
         QVERIFY(!window().isShowingDetail());
+    }
+
+    // /dev/shm is a tmpfs: the move crosses file systems and copies.
+    void changingTheLocationToAnotherFileSystemMovesTheFiles() {
+        QTemporaryDir tmpfs(QStringLiteral("/dev/shm/quillix-shelf-window-XXXXXX"));
+        QVERIFY(tmpfs.isValid());
+        QVERIFY(!store_->createShelf(QStringLiteral("Far")));
+        library_->writePng("Desktop/Far:shelf/kept.png", {30, 20}, Qt::green, Qt::green);
+        list().reload();
+        openShelf(QStringLiteral("Far"));
+        detail().changeLocation(tmpfs.path());
+        const QString moved = tmpfs.filePath(QStringLiteral("Far:shelf"));
+        QTRY_COMPARE_WITH_TIMEOUT(detail().shelf()->folderPath, moved, 20000);
+        QCOMPARE(QImage(moved + "/kept.png").pixelColor(1, 1), QColor(Qt::green));
+        QVERIFY(!QFileInfo::exists(shelfFolder("Far")));
+        QCOMPARE(library_->settings.lastShelfLocation(), std::optional<QString>(tmpfs.path()));
     }
 
     void changingTheLocationRemembersTheFolderEvenWhenTheMoveFails() {
