@@ -137,7 +137,9 @@ void HUDWindowController::stopWatching() {
         return;
     }
     watching_ = false;
-    qApp->removeEventFilter(this);
+    if (qApp != nullptr) {
+        qApp->removeEventFilter(this);
+    }
     if (options_.keys != nullptr) {
         disconnect(options_.keys, &HotkeyBackend::pressed, this, nullptr);
         options_.keys->ungrab(kEscapeHotkeyId);
