@@ -46,6 +46,9 @@ HUDWindowController::HUDWindowController(const QPoint& pointer, Actions actions,
       options_(options),
       panel_(std::make_unique<FloatingPanel>(tr("Capture HUD"), kCornerRadius,
                                              FloatingPanel::Focus::refuses)) {
+    // Like a menu, it lies over everything for its few seconds without the
+    // window manager framing, placing or focusing it.
+    panel_->setWindowFlag(Qt::X11BypassWindowManagerHint);
     view_ =
         new HUDView([this](HUDView::Row row) { choose(row); }, [this] { dismiss(); }, panel_.get());
     auto* layout = new QVBoxLayout(panel_.get());

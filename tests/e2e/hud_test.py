@@ -5,6 +5,7 @@
 running program, driven with the hotkey, the pointer and clicks like a user.
 The cases run in name order on one program."""
 import os
+import subprocess
 import sys
 import time
 
@@ -24,12 +25,28 @@ FRONT = (32, 64, 208)
 SCREEN = (1920, 1080)
 
 
+def write_auto_dismiss(home, seconds):
+    os.makedirs(os.path.join(home.config, "Quillix"))
+    with open(os.path.join(home.config, "Quillix", "Quillix.conf"), "w") as conf:
+        conf.write(f"[General]\nautoDismissSeconds={seconds}\n")
+
+
+def open_hud(x, y):
+    """The HUD opened at (x, y) with its hotkey: its id, and when it showed."""
+    xdotool("mousemove", str(x), str(y))
+    time.sleep(0.15)
+    xdotool("key", "super+shift+2")
+    hud = wait_for_window(HUD, "the HUD")
+    shown = time.monotonic()
+    wait_until(lambda: window_geometry(hud)[2] == 260, what="the HUD laid out")
+    return hud, shown
+
+
 class CaptureHUD(AppTestCase):
     @classmethod
     def prepare(cls):
-        os.makedirs(os.path.join(cls.home.config, "Quillix"))
-        with open(os.path.join(cls.home.config, "Quillix", "Quillix.conf"), "w") as conf:
-            conf.write("[General]\nautoDismissSeconds=2.5\n")
+        # Long enough for any machine to reach the rows before it goes.
+        write_auto_dismiss(cls.home, 60)
         cls.monitor = NotificationMonitor(os.path.join(cls.home.root, "notify.log"))
         cls.desktop = cls.home.folders["Desktop"]
         # Two windows of another program, the front one over part of the back.
@@ -46,17 +63,8 @@ class CaptureHUD(AppTestCase):
             process.wait(timeout=10)
         super().tearDownClass()
 
-    def open_hud(self, x, y):
-        xdotool("mousemove", str(x), str(y))
-        time.sleep(0.15)
-        xdotool("key", "super+shift+2")
-        hud = wait_for_window(HUD, "the HUD")
-        shown = time.monotonic()
-        wait_until(lambda: window_geometry(hud)[2] == 260, what="the HUD laid out")
-        return hud, shown
-
     def test_1_a_pointed_window_is_captured_whole_even_where_covered(self):
-        self.open_hud(1300, 150)
+        open_hud(1300, 150)
         click_control("Capture window")
         wait_for_no_window(HUD)
         # The back window's visible part: its outline, around its frame.
@@ -84,7 +92,7 @@ class CaptureHUD(AppTestCase):
     def test_2_our_own_windows_are_never_outlined_and_escape_leaves_nothing(self):
         open_gallery()
         popover = window_geometry(wait_for_window(POPOVER))
-        self.open_hud(1300, 600)
+        open_hud(1300, 600)
         click_control("Capture window")
         wait_for_no_window(HUD)
         xdotool("mousemove", str(popover[0] + popover[2] // 2), str(popover[1] + 100))
@@ -100,8 +108,41 @@ class CaptureHUD(AppTestCase):
         click_at(900, 600)
         wait_until(lambda: self.active_window() == self.front, what="the front window active")
 
-    def test_3_in_the_corner_it_stays_inside_and_closes_by_itself(self):
-        hud, shown = self.open_hud(SCREEN[0] - 1, SCREEN[1] - 1)
+    def test_3_full_screen_only_closes_and_logs(self):
+        open_hud(1300, 150)
+        click_control("Full screen")
+        wait_for_no_window(HUD)
+        wait_until(lambda: "📸 Full screen" in self.app.output(), what="the log line")
+        time.sleep(0.5)
+        self.assertEqual(len(captures_in(self.desktop)), 1)
+
+    def test_4_escape_closes_it_and_the_keyboard_stays_where_it_was(self):
+        xdotool("windowactivate", "--sync", str(self.back))
+        open_hud(1300, 150)
+        self.assertEqual(self.active_window(), self.back)
+        xdotool("key", "Escape")
+        wait_for_no_window(HUD)
+        self.assertEqual(self.active_window(), self.back)
+        # A second request replaces the HUD: one on screen, at the new pointer.
+        open_hud(1300, 150)
+        open_hud(600, 150)
+        windows = viewable_windows(HUD)
+        self.assertEqual(len(windows), 1, windows)
+        self.assertEqual(window_geometry(windows[0])[:2], (612, 158))
+
+    @staticmethod
+    def active_window():
+        return int(subprocess.run(
+            ["xdotool", "getactivewindow"], capture_output=True, text=True).stdout or 0)
+
+
+class CaptureHUDAutoDismiss(AppTestCase):
+    @classmethod
+    def prepare(cls):
+        write_auto_dismiss(cls.home, 2.5)
+
+    def test_in_the_corner_it_stays_inside_and_closes_by_itself(self):
+        hud, shown = open_hud(SCREEN[0] - 1, SCREEN[1] - 1)
         x, y, width, height = window_geometry(hud)
         self.assertEqual((SCREEN[0] - x - width, SCREEN[1] - y - height), (8, 8))
         self.assertGreaterEqual(x, 8)
@@ -111,33 +152,6 @@ class CaptureHUD(AppTestCase):
         self.assertTrue(viewable_windows(HUD))
         wait_for_no_window(HUD)
         self.assertLess(time.monotonic() - shown, 5.0)
-
-    def test_4_full_screen_only_closes_and_logs(self):
-        self.open_hud(1300, 150)
-        click_control("Full screen")
-        wait_for_no_window(HUD)
-        wait_until(lambda: "📸 Full screen" in self.app.output(), what="the log line")
-        time.sleep(0.5)
-        self.assertEqual(len(captures_in(self.desktop)), 1)
-
-    def test_5_escape_closes_it_and_the_keyboard_stays_where_it_was(self):
-        xdotool("windowactivate", "--sync", str(self.back))
-        self.open_hud(1300, 150)
-        self.assertEqual(self.active_window(), self.back)
-        xdotool("key", "Escape")
-        wait_for_no_window(HUD)
-        self.assertEqual(self.active_window(), self.back)
-        # A second request replaces the HUD: one on screen, at the new pointer.
-        self.open_hud(1300, 150)
-        self.open_hud(600, 150)
-        windows = viewable_windows(HUD)
-        self.assertEqual(len(windows), 1, windows)
-        self.assertEqual(window_geometry(windows[0])[:2], (612, 158))
-
-    @staticmethod
-    def active_window():
-        return int(quillix_session.subprocess.run(
-            ["xdotool", "getactivewindow"], capture_output=True, text=True).stdout or 0)
 
 
 if __name__ == "__main__":
