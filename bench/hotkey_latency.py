@@ -13,7 +13,9 @@ maximum over N runs (20 by default):
                        server's MapNotify of the window titled "Area selection";
   area, popover open:  the same with the gallery popover and its pill open;
   preview:             a click on a gallery cell (XTEST) to the MapNotify of
-                       the preview window (or of its window-manager frame).
+                       the preview window (or of its window-manager frame);
+  HUD:                 the HUD hotkey (Super+Shift+2) to the MapNotify of the
+                       window titled "Capture HUD".
 Events are read on a second X connection that watches the root window.
 """
 import ctypes
@@ -35,6 +37,7 @@ SUBSTRUCTURE_NOTIFY = 0x80000
 CW_EVENT_MASK = 0x800
 WM_NAME = 39
 OVERLAY = b"Area selection"
+HUD = b"Capture HUD"
 PICTURE = "bench.png"
 
 xcb = ctypes.CDLL(ctypes.util.find_library("xcb"))
@@ -266,16 +269,24 @@ def area_latency(watcher, keys, with_popover):
         keys.combination("Super_L", "Shift_L", "1")
         wait_until(popover_shown, what="the popover")
         time.sleep(0.5)  # the pill's fade-in ends
+    return hotkey_to_window(watcher, keys, ["Super_L"], "2", OVERLAY)
+
+
+def hotkey_to_window(watcher, keys, modifiers, key, title):
+    """Milliseconds from the press of `key` (its `modifiers` held) to the map
+    of the window `title`, which Escape then closes."""
     watcher.drain()
-    keys.key("Super_L", True)
+    for modifier in modifiers:
+        keys.key(modifier, True)
     sent = time.perf_counter()
-    keys.key("2", True)
-    keys.key("2", False)
-    keys.key("Super_L", False)
-    overlay, seen = watcher.wait_for_map(OVERLAY)
-    time.sleep(0.2)
+    keys.key(key, True)
+    keys.key(key, False)
+    for modifier in reversed(modifiers):
+        keys.key(modifier, False)
+    window, seen = watcher.wait_for_map(title)
+    time.sleep(0.3)
     keys.combination("Escape")
-    watcher.wait_for_unmap(overlay)
+    watcher.wait_for_unmap(window)
     time.sleep(0.3)
     return (seen - sent) * 1000
 
@@ -295,6 +306,11 @@ def preview_latency(watcher, keys):
     watcher.wait_for_unmap(frame)
     time.sleep(0.3)
     return (seen - sent) * 1000
+
+
+def hud_latency(watcher, keys):
+    keys.move(700, 400)
+    return hotkey_to_window(watcher, keys, ["Super_L", "Shift_L"], "2", HUD)
 
 
 def report(name, figures):
@@ -323,6 +339,7 @@ def main():
         report("area, popover open", [area_latency(watcher, keys, True) for _ in range(runs)])
         report("preview after a cell click",
                [preview_latency(watcher, keys) for _ in range(max(1, runs // 2))])
+        report("HUD", [hud_latency(watcher, keys) for _ in range(runs)])
     finally:
         app.stop()
         home.cleanup()

@@ -17,6 +17,7 @@
 #include "app/hot_key_manager.h"
 #include "app/popover_window.h"
 #include "area_capture/annotation_overlay_controller.h"
+#include "gallery/hud_window_controller.h"
 #include "gallery/menu_bar_view.h"
 #include "gallery/pill_panel.h"
 #include "library/screenshot_store.h"
@@ -27,6 +28,7 @@
 #include "platform/window_unmap_watcher.h"
 #include "preview/screenshot_preview_window_controller.h"
 #include "recording/recording_picker.h"
+#include "recording/window_picker.h"
 #include "shelves/shelf_window.h"
 #include "storage/preferences.h"
 #include "storage/screenshot_metadata_store.h"
@@ -320,11 +322,44 @@ void AppDelegate::openNotifiedCapture(const QString& path) {
 }
 
 void AppDelegate::showHUD() {
-    qCInfo(lcApp).noquote() << QStringLiteral("Quillix: the capture HUD comes in a later version");
+    // While a window is being picked, the pointer belongs to the pick.
+    if (isCaptureUnderWay() ||
+        RecordingPicker::shared().state() == RecordingPicker::State::picking) {
+        return;
+    }
+    closeHUD();
+    QPointer<AppDelegate> self(this);
+    const auto weakly = [self](void (AppDelegate::*action)()) {
+        return [self, action] {
+            if (self) {
+                (self.data()->*action)();
+            }
+        };
+    };
+    HUDWindowController::Actions actions{weakly(&AppDelegate::captureArea),
+                                         weakly(&AppDelegate::pickWindowToCapture),
+                                         weakly(&AppDelegate::recordWindow)};
+    HUDWindowController::Options options{Preferences::shared().autoDismissSeconds(),
+                                         PlatformServices::instance().hotkeyBackend()};
+    hud_ = new HUDWindowController(QCursor::pos(), std::move(actions), options, this);
+    connect(hud_, &HUDWindowController::closed, hud_, &QObject::deleteLater);
+    hud_->showWindow();
+}
+
+void AppDelegate::closeHUD() {
+    delete hud_;
+}
+
+void AppDelegate::pickWindowToCapture() {
+    if (isCaptureUnderWay() || isRecordingUnderWay()) {
+        return;
+    }
+    WindowPicker::shared().startPicking();
 }
 
 bool AppDelegate::isCaptureUnderWay() const {
-    return pendingStart_ || AnnotationOverlayController::isEditorOpen();
+    return pendingStart_ || AnnotationOverlayController::isEditorOpen() ||
+           WindowPicker::shared().isActive();
 }
 
 void AppDelegate::captureArea() {
@@ -357,19 +392,20 @@ void AppDelegate::recordScreen() {
 }
 
 void AppDelegate::startOnClearScreen(int latestMs, std::function<void()> action) {
-    // Only the panels leave (the HUD too, once there is one): the tray icon,
-    // previews and dialogs stay as they are, and may well be what the user
-    // wants to capture.
+    // Only the panels leave: the tray icon, previews and dialogs stay as
+    // they are, and may well be what the user wants to capture.
     PlatformServices& platform = PlatformServices::instance();
     auto* starter =
         new ClearScreenStarter(platform.windowUnmapWatcher(), std::chrono::milliseconds(latestMs),
                                std::move(action), this);
-    for (QWidget* panel :
-         {static_cast<QWidget*>(popover_.get()), static_cast<QWidget*>(pillPanel_.get())}) {
+    QWidget* hudWindow = hud_ != nullptr ? hud_->window() : nullptr;
+    for (QWidget* panel : {static_cast<QWidget*>(popover_.get()),
+                           static_cast<QWidget*>(pillPanel_.get()), hudWindow}) {
         if (panel != nullptr) {
             starter->noteLeaving(*panel);
         }
     }
+    closeHUD();
     handleClosePopover();
     delete pendingStart_;
     pendingStart_ = starter;

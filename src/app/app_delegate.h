@@ -11,6 +11,7 @@
 
 class ClearScreenStarter;
 class HotKeyManager;
+class HUDWindowController;
 class MenuBarView;
 class ScreenshotItem;
 class PillPanel;
@@ -42,6 +43,8 @@ public:
     // hotkeys also while a recording is being picked or runs.
     void showHUD();
     void captureArea();
+    // Lets the user point at a window to capture (from the HUD).
+    void pickWindowToCapture();
     void recordWindow();
     void recordScreen();
     bool isCaptureUnderWay() const;
@@ -64,6 +67,8 @@ private:
     // Hides our panels, then runs `action` once they have left the screen,
     // at the latest after `latestMs`.
     void startOnClearScreen(int latestMs, std::function<void()> action);
+    // Closes the HUD at once, if one is shown.
+    void closeHUD();
 
     void runCleanUpAtLaunch();
     void setUpHotkeys();
@@ -82,4 +87,5 @@ private:
     bool clickMonitorInstalled_ = false;
     std::unique_ptr<HotKeyManager> hotKeyManager_;
     QPointer<ClearScreenStarter> pendingStart_;
+    QPointer<HUDWindowController> hud_;
 };

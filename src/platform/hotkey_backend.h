@@ -18,6 +18,8 @@ public:
     // Grabs key+modifiers system-wide under `id`. 0 on success, otherwise a non-zero status
     // (the X error code: 10 = BadAccess when another client holds the combination).
     virtual int grab(quint32 id, quint32 keyCode, quint32 modifiers) = 0;
+    // Releases what was grabbed under `id`; nothing when it holds nothing.
+    virtual void ungrab(quint32 id) = 0;
     virtual void ungrabAll() = 0;
 
 Q_SIGNALS:

@@ -15,6 +15,7 @@ namespace KeyCodes {
 
 inline constexpr quint32 kUnmappedBase = 1000;
 inline constexpr quint32 kXKeycodeOffset = 8;
+inline constexpr quint32 kEscape = 53;
 
 // Nothing for a code that is neither in the table nor above the unmapped base.
 std::optional<quint32> evdevFromKeyCode(quint32 keyCode);

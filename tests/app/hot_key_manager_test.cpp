@@ -396,6 +396,15 @@ TEST_F(HotKeyManagerTest, UnregisterAndDestructionReleaseEveryGrab) {
     EXPECT_EQ(third.grab(XK_7, kSuper | kNumLock | XCB_MOD_MASK_LOCK), 0);
 }
 
+TEST_F(HotKeyManagerTest, OneGrabIsReleasedByItsIdAlone) {
+    manager->registerAll();
+    ASSERT_EQ(backend->grab(100, 53, 0), 0);  // Escape, as the capture HUD takes it
+    EXPECT_EQ(other.grab(XK_Escape, 0), kBadAccess);
+    backend->ungrab(100);
+    EXPECT_EQ(other.grab(XK_Escape, 0), 0);
+    EXPECT_EQ(other.grab(XK_2, kSuper), kBadAccess);  // the hotkeys stay
+}
+
 TEST(X11HotkeyBackend, NeedsAnXConnection) {
     EXPECT_EQ(X11HotkeyBackend::create(nullptr, 1), nullptr);
 }

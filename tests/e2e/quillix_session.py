@@ -344,6 +344,18 @@ def frame_extents(window_id):
     return tuple(int(value) for value in text.split("=")[1].split(","))
 
 
+def open_test_window(program, x, y, width, height, colour, title):
+    """A flat window of `colour` from another process (the tests' test_window
+    `program`), on screen and painted: (process, X id)."""
+    process = subprocess.Popen([program, str(x), str(y), str(width), str(height),
+                                "#%02x%02x%02x" % colour, title],
+                               stdout=subprocess.PIPE, text=True)
+    window = int(process.stdout.readline())
+    xdotool("windowactivate", "--sync", str(window))
+    time.sleep(0.3)  # painted
+    return process, window
+
+
 # --- input ------------------------------------------------------------------------
 
 def xdotool(*arguments):

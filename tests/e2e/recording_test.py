@@ -16,7 +16,8 @@ import time
 sys.path.insert(0, os.path.dirname(__file__))
 import quillix_session  # noqa: E402
 from quillix_session import (AppTestCase, RunningApp, click_control, frame_extents,  # noqa: E402
-                             is_shown, listed, locate, wait_until, window_geometry, xdotool)
+                             is_shown, listed, locate, open_test_window, wait_until,
+                             window_geometry, xdotool)
 
 TEST_WINDOW = None  # test_window, from the command line
 FILE_NAME = re.compile(r"^Recording_(\d+)\.mp4$")
@@ -83,13 +84,8 @@ class Recording(AppTestCase):
     @classmethod
     def open_window(cls, x, y, width, height, colour, title):
         """A window of another process; its X id once it is on screen."""
-        process = subprocess.Popen([TEST_WINDOW, str(x), str(y), str(width), str(height),
-                                    "#%02x%02x%02x" % colour, title],
-                                   stdout=subprocess.PIPE, text=True)
+        process, window = open_test_window(TEST_WINDOW, x, y, width, height, colour, title)
         cls.windows.append(process)
-        window = int(process.stdout.readline())
-        xdotool("windowactivate", "--sync", str(window))
-        time.sleep(0.3)  # painted
         return window
 
     def recordings(self):

@@ -9,8 +9,8 @@
 #include <QScreen>
 #include <QtTest>
 
-#include "platform/pointer_picker.h"
 #include "recording/recording_status_panel.h"
+#include "support/pick_fakes.h"
 #include "widgets/window_outline.h"
 #include "widgets/window_pick_session.h"
 
@@ -51,30 +51,6 @@ public:
     bool recording = false;
     bool refuses = false;
 };
-
-// The pointer as the test moves it: no grab, signals on request.
-class FakePointerPicker : public PointerPicker {
-public:
-    void start() override { active_ = true; }
-    void stop() override { active_ = false; }
-    bool isActive() const override { return active_; }
-
-private:
-    bool active_ = false;
-};
-
-class OneWindow : public WindowList {
-public:
-    std::vector<WindowInfo> windows() override { return {window}; }
-    WindowInfo window;
-};
-
-bool outlineShown() {
-    const QWidgetList widgets = QApplication::topLevelWidgets();
-    return std::any_of(widgets.begin(), widgets.end(), [](QWidget* widget) {
-        return qobject_cast<WindowOutline*>(widget) != nullptr && widget->isVisible();
-    });
-}
 
 }  // namespace
 

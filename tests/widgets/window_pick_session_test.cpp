@@ -13,24 +13,10 @@
 
 #include "platform/platform_services.h"
 #include "platform/pointer_picker.h"
+#include "support/pick_fakes.h"
 #include "support/x11_test_desktop.h"
 
 namespace {
-
-// The real window list, counting how often it is asked: the cost of a
-// pointer move.
-class CountingWindowList : public WindowList {
-public:
-    explicit CountingWindowList(WindowList& list) : list_(list) {}
-    std::vector<WindowInfo> windows() override {
-        ++lookUps;
-        return list_.windows();
-    }
-    int lookUps = 0;
-
-private:
-    WindowList& list_;
-};
 
 WindowOutline* outlineOnScreen() {
     for (QWidget* widget : QApplication::topLevelWidgets()) {

@@ -9,32 +9,13 @@
 #include <cstdio>
 #include <memory>
 
+#include "platform/ffmpeg/av_pointers.h"
+
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 #include <libavutil/error.h>
 }
 
 namespace {
-
-struct InputCloser {
-    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
-};
-struct OutputFreer {
-    void operator()(AVFormatContext* context) const {
-        if (context->pb != nullptr) {
-            avio_closep(&context->pb);
-        }
-        avformat_free_context(context);
-    }
-};
-struct PacketFreer {
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-};
-
-using InputPtr = std::unique_ptr<AVFormatContext, InputCloser>;
-using OutputPtr = std::unique_ptr<AVFormatContext, OutputFreer>;
-using PacketPtr = std::unique_ptr<AVPacket, PacketFreer>;
 
 QString errorText(int code) {
     char text[AV_ERROR_MAX_STRING_SIZE] = {};
@@ -49,14 +30,14 @@ QString temporaryPathFor(const QString& path) {
     return info.dir().filePath(QLatin1Char('.') + info.fileName() + QStringLiteral(".faststart"));
 }
 
-InputPtr openInput(const QByteArray& path, QString* problem) {
+AvInputPtr openInput(const QByteArray& path, QString* problem) {
     AVFormatContext* context = nullptr;
     int result = avformat_open_input(&context, path.constData(), nullptr, nullptr);
     if (result < 0) {
         *problem = QStringLiteral("cannot open the recording: ") + errorText(result);
         return {};
     }
-    InputPtr input(context);
+    AvInputPtr input(context);
     result = avformat_find_stream_info(context, nullptr);
     if (result < 0) {
         *problem = QStringLiteral("cannot read the recording: ") + errorText(result);
@@ -66,14 +47,14 @@ InputPtr openInput(const QByteArray& path, QString* problem) {
 }
 
 // An output with one stream per input stream, header written.
-OutputPtr openOutput(const QByteArray& path, const AVFormatContext& input, QString* problem) {
+AvOutputPtr openOutput(const QByteArray& path, const AVFormatContext& input, QString* problem) {
     AVFormatContext* context = nullptr;
     int result = avformat_alloc_output_context2(&context, nullptr, "mp4", path.constData());
     if (result < 0 || context == nullptr) {
         *problem = QStringLiteral("no MP4 muxer: ") + errorText(result);
         return {};
     }
-    OutputPtr output(context);
+    AvOutputPtr output(context);
     for (unsigned i = 0; i < input.nb_streams; ++i) {
         const AVStream& from = *input.streams[i];
         AVStream* to = avformat_new_stream(context, nullptr);
@@ -103,7 +84,7 @@ OutputPtr openOutput(const QByteArray& path, const AVFormatContext& input, QStri
 }
 
 QString copyPackets(AVFormatContext& input, AVFormatContext& output) {
-    const PacketPtr packet(av_packet_alloc());
+    const AvPacketPtr packet(av_packet_alloc());
     if (!packet) {
         return QStringLiteral("out of memory");
     }
@@ -131,11 +112,11 @@ QString copyPackets(AVFormatContext& input, AVFormatContext& output) {
 
 QString remuxInto(const QString& path, const QString& temporary) {
     QString problem;
-    const InputPtr input = openInput(QFile::encodeName(path), &problem);
+    const AvInputPtr input = openInput(QFile::encodeName(path), &problem);
     if (!input) {
         return problem;
     }
-    OutputPtr output = openOutput(QFile::encodeName(temporary), *input, &problem);
+    AvOutputPtr output = openOutput(QFile::encodeName(temporary), *input, &problem);
     if (!output) {
         return problem;
     }

@@ -8,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QGuiApplication>
+#include <algorithm>
 #include <cstdlib>
 #include <initializer_list>
 #include <optional>
@@ -139,6 +140,17 @@ int X11HotkeyBackend::grab(quint32 id, quint32 keyCode, quint32 modifiers) {
         grabs_.push_back(std::move(grab));
     }
     return status;
+}
+
+void X11HotkeyBackend::ungrab(quint32 id) {
+    const auto held = std::find_if(grabs_.begin(), grabs_.end(),
+                                   [id](const Grab& grab) { return grab.id == id; });
+    if (held == grabs_.end()) {
+        return;
+    }
+    ungrabVariants(*held);
+    grabs_.erase(held);
+    xcb_flush(connection_);
 }
 
 void X11HotkeyBackend::ungrabAll() {

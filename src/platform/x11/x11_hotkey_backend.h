@@ -40,6 +40,7 @@ public:
     ~X11HotkeyBackend() override;
 
     int grab(quint32 id, quint32 keyCode, quint32 modifiers) override;
+    void ungrab(quint32 id) override;
     void ungrabAll() override;
 
 private:

@@ -22,18 +22,6 @@ ReplyPointer<Reply> owned(Reply* reply) {
     return ReplyPointer<Reply>(reply, &std::free);
 }
 
-// The requests of one window, all sent before any reply is read.
-struct WindowRequests {
-    xcb_get_window_attributes_cookie_t attributes;
-    xcb_get_geometry_cookie_t geometry;
-    xcb_translate_coordinates_cookie_t origin;
-    xcb_get_property_cookie_t extents;
-    xcb_get_property_cookie_t pid;
-    xcb_get_property_cookie_t wmClass;
-    xcb_get_property_cookie_t type;
-    xcb_get_property_cookie_t state;
-};
-
 QString processName(qint64 processId) {
     if (processId <= 0) {
         return {};
@@ -46,6 +34,20 @@ QString processName(qint64 processId) {
 }
 
 }  // namespace
+
+// The requests of one window, all sent before any reply is read; those of
+// its identity only while it is not known yet.
+struct X11WindowList::WindowRequests {
+    xcb_get_window_attributes_cookie_t attributes;
+    xcb_get_geometry_cookie_t geometry;
+    xcb_translate_coordinates_cookie_t origin;
+    xcb_get_property_cookie_t extents;
+    xcb_get_property_cookie_t state;
+    bool asksIdentity;
+    xcb_get_property_cookie_t pid;
+    xcb_get_property_cookie_t wmClass;
+    xcb_get_property_cookie_t type;
+};
 
 struct X11WindowList::Atoms {
     xcb_ewmh_connection_t ewmh{};
@@ -134,19 +136,31 @@ X11WindowList::X11WindowList(xcb_connection_t* connection, int screenNumber,
 X11WindowList::~X11WindowList() = default;
 
 std::vector<WindowInfo> X11WindowList::windows() {
-    const std::vector<X11WindowCandidate> pickable =
-        x11_window_list::pickableFrontToBack(candidates(stackingBottomToTop()), own_);
+    const std::vector<X11WindowCandidate> frontToBack = pickable();
     std::vector<WindowInfo> result;
-    result.reserve(pickable.size());
-    for (const X11WindowCandidate& window : pickable) {
-        QString owner = processName(window.processId);
-        if (owner.isEmpty()) {
-            owner = window.classInstance;
-        }
-        result.push_back(
-            {window.windowId, window.frame, owner, window_list::screenShowingMost(window.frame)});
-    }
+    result.reserve(frontToBack.size());
+    std::transform(frontToBack.begin(), frontToBack.end(), std::back_inserter(result), &infoOf);
     return result;
+}
+
+std::optional<WindowInfo> X11WindowList::windowAt(const QPoint& point) {
+    const std::vector<X11WindowCandidate> frontToBack = pickable();
+    const auto found = std::find_if(
+        frontToBack.begin(), frontToBack.end(),
+        [&point](const X11WindowCandidate& window) { return window.frame.contains(point); });
+    return found != frontToBack.end() ? std::optional<WindowInfo>(infoOf(*found)) : std::nullopt;
+}
+
+std::vector<X11WindowCandidate> X11WindowList::pickable() {
+    return x11_window_list::pickableFrontToBack(candidates(stackingBottomToTop()), own_);
+}
+
+WindowInfo X11WindowList::infoOf(const X11WindowCandidate& window) {
+    QString owner = processName(window.processId);
+    if (owner.isEmpty()) {
+        owner = window.classInstance;
+    }
+    return {window.windowId, window.frame, owner, window_list::screenShowingMost(window.frame)};
 }
 
 std::vector<quint32> X11WindowList::stackingBottomToTop() {
@@ -164,62 +178,100 @@ std::vector<quint32> X11WindowList::stackingBottomToTop() {
 std::vector<X11WindowCandidate> X11WindowList::candidates(const std::vector<quint32>& windows) {
     xcb_ewmh_connection_t* ewmh = &atoms_->ewmh;
     const xcb_window_t root = ewmh->screens[screenNumber_]->root;
+    forgetWindowsNotIn(windows);
     std::vector<WindowRequests> requests;
     requests.reserve(windows.size());
     for (const quint32 window : windows) {
-        requests.push_back(
-            {xcb_get_window_attributes(connection_, window), xcb_get_geometry(connection_, window),
-             xcb_translate_coordinates(connection_, window, root, 0, 0),
-             xcb_ewmh_get_frame_extents(ewmh, window), xcb_ewmh_get_wm_pid(ewmh, window),
-             xcb_icccm_get_wm_class(connection_, window), xcb_ewmh_get_wm_window_type(ewmh, window),
-             xcb_ewmh_get_wm_state(ewmh, window)});
+        WindowRequests request{xcb_get_window_attributes(connection_, window),
+                               xcb_get_geometry(connection_, window),
+                               xcb_translate_coordinates(connection_, window, root, 0, 0),
+                               xcb_ewmh_get_frame_extents(ewmh, window),
+                               xcb_ewmh_get_wm_state(ewmh, window),
+                               !identities_.contains(window),
+                               {},
+                               {},
+                               {}};
+        if (request.asksIdentity) {
+            request.pid = xcb_ewmh_get_wm_pid(ewmh, window);
+            request.wmClass = xcb_icccm_get_wm_class(connection_, window);
+            request.type = xcb_ewmh_get_wm_window_type(ewmh, window);
+        }
+        requests.push_back(request);
     }
     std::vector<X11WindowCandidate> result;
     result.reserve(windows.size());
     for (std::size_t index = 0; index < windows.size(); ++index) {
-        const WindowRequests& request = requests[index];
-        X11WindowCandidate window;
-        window.windowId = windows[index];
-        // Every reply is read, so none is left waiting on the connection,
-        // even for a window that has gone meanwhile.
-        const auto attributes =
-            owned(xcb_get_window_attributes_reply(connection_, request.attributes, nullptr));
-        const auto geometry = owned(xcb_get_geometry_reply(connection_, request.geometry, nullptr));
-        const auto origin =
-            owned(xcb_translate_coordinates_reply(connection_, request.origin, nullptr));
-        xcb_ewmh_get_extents_reply_t extents{};
-        const bool hasExtents =
-            xcb_ewmh_get_frame_extents_reply(ewmh, request.extents, &extents, nullptr) != 0;
-        quint32 pid = 0;
-        if (xcb_ewmh_get_wm_pid_reply(ewmh, request.pid, &pid, nullptr) != 0) {
-            window.processId = pid;
-        }
-        xcb_icccm_get_wm_class_reply_t wmClass{};
-        if (xcb_icccm_get_wm_class_reply(connection_, request.wmClass, &wmClass, nullptr) != 0) {
-            window.classInstance = QString::fromLocal8Bit(wmClass.instance_name);
-            xcb_icccm_get_wm_class_reply_wipe(&wmClass);
-        }
-        xcb_ewmh_get_atoms_reply_t types{};
-        if (xcb_ewmh_get_wm_window_type_reply(ewmh, request.type, &types, nullptr) != 0) {
-            window.kind = atoms_->kind(types);
-            xcb_ewmh_get_atoms_reply_wipe(&types);
-        }
-        xcb_ewmh_get_atoms_reply_t states{};
-        if (xcb_ewmh_get_wm_state_reply(ewmh, request.state, &states, nullptr) != 0) {
-            window.hidden =
-                std::find(states.atoms, states.atoms + states.atoms_len,
-                          ewmh->_NET_WM_STATE_HIDDEN) != states.atoms + states.atoms_len;
-            xcb_ewmh_get_atoms_reply_wipe(&states);
-        }
-        window.viewable = attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
-        if (geometry && origin) {
-            window.frame = x11_window_list::frameAround(
-                QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height),
-                geometry->border_width, hasExtents ? int(extents.left) : 0,
-                hasExtents ? int(extents.right) : 0, hasExtents ? int(extents.top) : 0,
-                hasExtents ? int(extents.bottom) : 0);
-        }
-        result.push_back(window);
+        result.push_back(candidateFromReplies(windows[index], requests[index]));
     }
     return result;
+}
+
+void X11WindowList::forgetWindowsNotIn(const std::vector<quint32>& windows) {
+    std::erase_if(identities_, [&windows](const auto& known) {
+        return std::find(windows.begin(), windows.end(), known.first) == windows.end();
+    });
+}
+
+X11WindowList::Identity X11WindowList::identityFromReplies(const WindowRequests& request) {
+    xcb_ewmh_connection_t* ewmh = &atoms_->ewmh;
+    Identity identity;
+    quint32 pid = 0;
+    if (xcb_ewmh_get_wm_pid_reply(ewmh, request.pid, &pid, nullptr) != 0) {
+        identity.processId = pid;
+    }
+    xcb_icccm_get_wm_class_reply_t wmClass{};
+    if (xcb_icccm_get_wm_class_reply(connection_, request.wmClass, &wmClass, nullptr) != 0) {
+        identity.classInstance = QString::fromLocal8Bit(wmClass.instance_name);
+        xcb_icccm_get_wm_class_reply_wipe(&wmClass);
+    }
+    xcb_ewmh_get_atoms_reply_t types{};
+    if (xcb_ewmh_get_wm_window_type_reply(ewmh, request.type, &types, nullptr) != 0) {
+        identity.kind = atoms_->kind(types);
+        xcb_ewmh_get_atoms_reply_wipe(&types);
+    }
+    return identity;
+}
+
+X11WindowCandidate X11WindowList::candidateFromReplies(quint32 windowId,
+                                                       const WindowRequests& request) {
+    xcb_ewmh_connection_t* ewmh = &atoms_->ewmh;
+    X11WindowCandidate window;
+    window.windowId = windowId;
+    // Every reply is read, so none is left waiting on the connection, even
+    // for a window that has gone meanwhile.
+    const auto attributes =
+        owned(xcb_get_window_attributes_reply(connection_, request.attributes, nullptr));
+    const auto geometry = owned(xcb_get_geometry_reply(connection_, request.geometry, nullptr));
+    const auto origin =
+        owned(xcb_translate_coordinates_reply(connection_, request.origin, nullptr));
+    xcb_ewmh_get_extents_reply_t extents{};
+    const bool hasExtents =
+        xcb_ewmh_get_frame_extents_reply(ewmh, request.extents, &extents, nullptr) != 0;
+    xcb_ewmh_get_atoms_reply_t states{};
+    if (xcb_ewmh_get_wm_state_reply(ewmh, request.state, &states, nullptr) != 0) {
+        window.hidden = std::find(states.atoms, states.atoms + states.atoms_len,
+                                  ewmh->_NET_WM_STATE_HIDDEN) != states.atoms + states.atoms_len;
+        xcb_ewmh_get_atoms_reply_wipe(&states);
+    }
+    if (request.asksIdentity) {
+        const Identity identity = identityFromReplies(request);
+        // A window that has gone answers nothing worth keeping.
+        if (attributes) {
+            identities_[windowId] = identity;
+        }
+    }
+    if (const auto known = identities_.find(windowId); known != identities_.end()) {
+        window.processId = known->second.processId;
+        window.classInstance = known->second.classInstance;
+        window.kind = known->second.kind;
+    }
+    window.viewable = attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+    if (geometry && origin) {
+        window.frame = x11_window_list::frameAround(
+            QRect(origin->dst_x, origin->dst_y, geometry->width, geometry->height),
+            geometry->border_width, hasExtents ? int(extents.left) : 0,
+            hasExtents ? int(extents.right) : 0, hasExtents ? int(extents.top) : 0,
+            hasExtents ? int(extents.bottom) : 0);
+    }
+    return window;
 }

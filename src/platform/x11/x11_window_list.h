@@ -3,9 +3,12 @@
 
 #pragma once
 
+#include <QPoint>
 #include <QRect>
 #include <QString>
 #include <memory>
+#include <optional>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/window_list.h"
@@ -55,7 +58,9 @@ QRect frameAround(const QRect& clientInRoot, int borderWidth, int left, int righ
 // front to back, each client's geometry translated to the root and grown by
 // _NET_FRAME_EXTENTS, its owner from /proc/<_NET_WM_PID>/comm or WM_CLASS.
 // Every request for all windows goes out before the first reply is read, so
-// a look-up costs one round trip to the server.
+// a look-up costs one round trip to the server. What a window says of itself
+// once (its process, class and type) is kept while it stays listed, so a
+// pointer move asks only where the windows are.
 class X11WindowList : public WindowList {
 public:
     // Nothing when the connection is missing. `connection` is Qt's own, so
@@ -64,16 +69,31 @@ public:
     ~X11WindowList() override;
 
     std::vector<WindowInfo> windows() override;
+    // Owner and display are worked out for the window found alone.
+    std::optional<WindowInfo> windowAt(const QPoint& point) override;
 
 private:
     struct Atoms;
+    struct WindowRequests;
+    // What does not change while a window lives.
+    struct Identity {
+        qint64 processId = 0;
+        QString classInstance;
+        X11WindowCandidate::Kind kind = X11WindowCandidate::Kind::normal;
+    };
 
     X11WindowList(xcb_connection_t* connection, int screenNumber, std::unique_ptr<Atoms> atoms);
     std::vector<quint32> stackingBottomToTop();
     std::vector<X11WindowCandidate> candidates(const std::vector<quint32>& windows);
+    std::vector<X11WindowCandidate> pickable();
+    void forgetWindowsNotIn(const std::vector<quint32>& windows);
+    Identity identityFromReplies(const WindowRequests& request);
+    X11WindowCandidate candidateFromReplies(quint32 windowId, const WindowRequests& request);
+    static WindowInfo infoOf(const X11WindowCandidate& window);
 
     xcb_connection_t* connection_;
     int screenNumber_;
     std::unique_ptr<Atoms> atoms_;
     X11OwnWindows own_;
+    std::unordered_map<quint32, Identity> identities_;
 };
