@@ -4,16 +4,20 @@
 
 """The shelves window opened from the pill and driven like a user: a shelf
 made from the "New Shelf" card, a taken name refused, a blank name
-dropped, and a capture dragged from the gallery onto the opened shelf, whose
-tile then opens its preview."""
+dropped, a capture dragged from the gallery onto the opened shelf, whose
+tile then opens its preview, and shelf folders renamed and deleted in a
+shell."""
+import json
 import os
+import shutil
 import sys
 import time
 
 sys.path.insert(0, os.path.dirname(__file__))
 from quillix_session import (AppTestCase, centre, click_control, drag, is_shown,  # noqa: E402
-                             listed, locate, main, open_gallery, wait_for_window, wait_until,
-                             write_pictures, xdotool)
+                             listed, locate, main, open_gallery, try_open_file,
+                             wait_for_no_window, wait_for_window, wait_until, write_pictures,
+                             xdotool)
 
 NAMES = ["alpha.png", "beta.png"]
 
@@ -66,6 +70,26 @@ class Shelves(AppTestCase):
         wait_until(lambda: is_shown("alpha.png"), what="the tile of alpha.png")
         click_control("alpha.png")
         wait_for_window("alpha", "the preview of the moved file")
+
+    def test_3_folders_renamed_or_deleted_in_a_shell_leave_the_list(self):
+        preview = wait_for_window("alpha")
+        xdotool("windowactivate", "--sync", preview)
+        xdotool("key", "Escape")
+        wait_for_no_window("alpha", "the preview to close")
+        click_control("Back")
+        for name in ("Notes", "Scratch"):
+            self.name_new_shelf(name)
+            wait_until(lambda: is_shown(f"Shelf {name}"), what=f"the card of {name}")
+        os.rename(self.home.desktop("Notes:shelf"), self.home.desktop("Elsewhere"))
+        shutil.rmtree(self.home.desktop("Scratch:shelf"))
+        wait_until(lambda: not is_shown("Shelf Notes") and not is_shown("Shelf Scratch"),
+                   what="the two cards to go")
+        self.assertTrue(is_shown("Shelf Design"))
+        # The rewritten file opens, with another AES-256-GCM, to what is left.
+        shelves = os.path.join(self.home.data_dir, "shelves.bin")
+        wait_until(lambda: [shelf["name"] for shelf in
+                            json.loads(try_open_file(shelves) or "[]")] == ["Design"],
+                   what="shelves.bin holding Design alone")
 
 
 if __name__ == "__main__":
