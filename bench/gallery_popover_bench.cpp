@@ -41,8 +41,11 @@
 #include "storage/preferences.h"
 #include "storage/screenshot_metadata_store.h"
 #include "storage/user_settings.h"
+#include "widget_watch.h"
 
 namespace {
+
+constexpr int kPopoverTimeoutMs = 5000;
 
 constexpr int kFileCount = 200;
 constexpr int kOpenings = 25;
@@ -56,37 +59,6 @@ double maximum(const std::vector<double>& values) {
 void printRuns(const char* what, const std::vector<double>& runs) {
     std::printf("%s: median %.2f ms, max %.2f ms, %d runs\n", what, median(runs), maximum(runs),
                 int(runs.size()));
-}
-
-// Counts the paints of a widget; `painted` turns true once one finished
-// (the flag is read after the event loop returns from the paint).
-class PaintWatch : public QObject {
-public:
-    explicit PaintWatch(QWidget* widget) : QObject(widget) { widget->installEventFilter(this); }
-
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::Paint) {
-            ++paints;
-        }
-        return false;
-    }
-};
-
-// Runs the event loop until `done` or `timeoutMs`.
-template <typename Done>
-bool spinUntil(Done done, int timeoutMs = 5000) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!done()) {
-        if (timer.elapsed() > timeoutMs) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    }
-    return true;
 }
 
 }  // namespace
@@ -166,7 +138,7 @@ int main(int argc, char** argv) {
         timer.start();
         view->prepareToShow();
         popover.show();
-        if (!spinUntil([&] { return gridPaints->paints > before; })) {
+        if (!spinUntil([&] { return gridPaints->paints > before; }, kPopoverTimeoutMs)) {
             std::printf("opening %d: no frame within 5 s\n", opening);
             continue;
         }

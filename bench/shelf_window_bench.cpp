@@ -38,8 +38,11 @@
 #include "storage/screenshot_metadata_store.h"
 #include "storage/shelf_store.h"
 #include "storage/user_settings.h"
+#include "widget_watch.h"
 
 namespace {
+
+constexpr int kShelfTimeoutMs = 60000;
 
 constexpr int kShelfFiles = 500;
 constexpr int kDroppedFiles = 100;
@@ -70,33 +73,6 @@ private:
     QElapsedTimer clock_;
     double longestMs_ = 0;
 };
-
-class PaintWatch : public QObject {
-public:
-    explicit PaintWatch(QWidget* widget) : QObject(widget) { widget->installEventFilter(this); }
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
-        if (event->type() == QEvent::Paint) {
-            ++paints;
-        }
-        return false;
-    }
-};
-
-template <typename Done>
-bool spinUntil(Done done, int timeoutMs = 60000) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!done()) {
-        if (timer.elapsed() > timeoutMs) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    }
-    return true;
-}
 
 void writePngs(const QString& folder, const QString& prefix, int count) {
     QList<int> seeds;
@@ -143,7 +119,7 @@ int main(int argc, char** argv) {
 
     ShelfWindow window({shelves, settings, preferences, metaStore, library}, {});
     window.present();
-    spinUntil([&] { return window.isVisible(); });
+    spinUntil([&] { return window.isVisible(); }, kShelfTimeoutMs);
     ShelfDetailView& detail = *window.detailView();
     auto* paints = new PaintWatch(detail.grid()->viewport());
     StallWatch stalls;
@@ -155,9 +131,10 @@ int main(int argc, char** argv) {
     stalls.start();
     clock.start();
     window.openShelf(shelf);
-    spinUntil([&] { return detail.grid()->count() == kShelfFiles && paints->paints > 0; });
+    spinUntil([&] { return detail.grid()->count() == kShelfFiles && paints->paints > 0; },
+              kShelfTimeoutMs);
     const double firstFrameMs = clock.nsecsElapsed() / 1e6;
-    spinUntil([&] { return thumbnails >= kShelfFiles; });
+    spinUntil([&] { return thumbnails >= kShelfFiles; }, kShelfTimeoutMs);
     const double allThumbnailsMs = clock.nsecsElapsed() / 1e6;
     const double openStallMs = stalls.stop();
     std::printf(
@@ -185,7 +162,8 @@ int main(int argc, char** argv) {
     QApplication::sendEvent(&detail, &enter);
     QDropEvent drop(QPointF(50, 200), Qt::MoveAction, &mime, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&detail, &drop);
-    spinUntil([&] { return finished >= kDroppedFiles && thumbnails >= kShelfFiles + moved; });
+    spinUntil([&] { return finished >= kDroppedFiles && thumbnails >= kShelfFiles + moved; },
+              kShelfTimeoutMs);
     const double dropMs = clock.nsecsElapsed() / 1e6;
     const double dropStallMs = stalls.stop();
     const int inFolder = static_cast<int>(ShelfStore::files(shelf).size());
