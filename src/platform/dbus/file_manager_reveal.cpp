@@ -3,9 +3,10 @@
 
 #include "platform/dbus/file_manager_reveal.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QLoggingCategory>
@@ -17,30 +18,31 @@ Q_LOGGING_CATEGORY(lcFileManager, "quillix.filemanager")
 
 const QString kService = QStringLiteral("org.freedesktop.FileManager1");
 
-bool fileManagerServiceExists(const QDBusConnection& bus) {
-    if (!bus.isConnected() || bus.interface() == nullptr) {
-        return false;
-    }
-    if (bus.interface()->isServiceRegistered(kService).value()) {
-        return true;
-    }
-    // A file manager that is started on demand is activatable, not running.
-    return bus.interface()->activatableServiceNames().value().contains(kService);
+void openFolderOf(const QString& filePath) {
+    qCInfo(lcFileManager) << "no file manager service; opening the folder of" << filePath;
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(filePath).absolutePath()));
 }
 
 }  // namespace
 
 void revealInFileManager(const QString& filePath) {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (fileManagerServiceExists(bus)) {
-        QDBusMessage call = QDBusMessage::createMethodCall(
-            kService, QStringLiteral("/org/freedesktop/FileManager1"), kService,
-            QStringLiteral("ShowItems"));
-        call << QStringList{QUrl::fromLocalFile(filePath).toString()} << QString();
-        if (bus.send(call)) {
-            return;
-        }
+    if (!bus.isConnected()) {
+        openFolderOf(filePath);
+        return;
     }
-    qCInfo(lcFileManager) << "no file manager service; opening the folder of" << filePath;
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(filePath).absolutePath()));
+    // Asked without waiting: the bus starts a file manager that is only
+    // activatable, and answers ServiceUnknown when there is none at all.
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(kService, QStringLiteral("/org/freedesktop/FileManager1"),
+                                       kService, QStringLiteral("ShowItems"));
+    call << QStringList{QUrl::fromLocalFile(filePath).toString()} << QString();
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call), QCoreApplication::instance());
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
+                     [filePath](QDBusPendingCallWatcher* answered) {
+                         answered->deleteLater();
+                         if (answered->isError()) {
+                             openFolderOf(filePath);
+                         }
+                     });
 }

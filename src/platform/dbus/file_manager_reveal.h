@@ -7,6 +7,6 @@
 
 // Shows the file selected in the desktop's file manager
 // (org.freedesktop.FileManager1.ShowItems on the session bus); without such
-// a service, opens the folder holding it. The call does not wait for the
-// file manager.
+// a service, opens the folder holding it. Nothing waits for the bus or the
+// file manager; GUI thread (a running event loop delivers the answer).
 void revealInFileManager(const QString& filePath);
