@@ -10,6 +10,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
@@ -345,6 +346,15 @@ bool ShelfDetailView::eventFilter(QObject* watched, QEvent* event) {
 void ShelfDetailView::elidePath() {
     const QString full = shelf_ ? shelf_->folderPath : QString();
     path_->setText(path_->fontMetrics().elidedText(full, Qt::ElideMiddle, path_->width()));
+}
+
+void ShelfDetailView::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        event->accept();
+        Q_EMIT backRequested();
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void ShelfDetailView::dragEnterEvent(QDragEnterEvent* event) {

@@ -63,6 +63,8 @@ Q_SIGNALS:
     void thumbnailShown(const QString& path);
 
 protected:
+    // Escape goes back to the list, as the back button does.
+    void keyPressEvent(QKeyEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;

@@ -242,6 +242,9 @@ private Q_SLOTS:
 
         QTest::mouseClick(detail().backButton(), Qt::LeftButton);
         QVERIFY(!window().isShowingDetail());
+        openShelf(QStringLiteral("Bin"));
+        QTest::keyClick(&detail(), Qt::Key_Escape);  // the keyboard's way back
+        QVERIFY(!window().isShowingDetail());
     }
 
     // /dev/shm is a tmpfs: the move crosses file systems and copies.
