@@ -61,18 +61,31 @@ QSize fittedThumbnailSize(const QSize& size) {
             std::max(1, int(std::lround(size.height() * scale)))};
 }
 
+// Whether Qt's smooth scaling keeps an image of this stored format in its
+// palette (one-bit and indexed images, a flat PNG often among them), where
+// it can only dither between the palette's colours.
+bool scalesWithinPalette(QImage::Format format) {
+    return format == QImage::Format_Mono || format == QImage::Format_MonoLSB ||
+           format == QImage::Format_Indexed8;
+}
+
 // Decodes at reduced size where the format allows it, turned upright by the
-// image's orientation tag.
+// image's orientation tag, always in 32 bits so that every later scaling
+// mixes colours.
 QImage imageThumbnail(const QString& path) {
     QImageReader reader(path);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
-    if (size.isValid()) {
+    if (size.isValid() && !scalesWithinPalette(reader.imageFormat())) {
         reader.setScaledSize(fittedThumbnailSize(size));
     }
     QImage image = reader.read();
     if (image.isNull()) {
         return {};
+    }
+    if (image.depth() < 32) {
+        image = image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                              : QImage::Format_RGB32);
     }
     const QSize fitted = fittedThumbnailSize(image.size());
     return fitted == image.size()

@@ -133,6 +133,20 @@ TEST_F(ThumbnailerTest, DamagedOrMissingFilesGetNoThumbnailAndTheFillingStillFin
     }
 }
 
+TEST_F(ThumbnailerTest, AOneBitPaletteImageKeepsItsColourWhenItsThumbnailIsScaled) {
+    // The shape of a flat PNG written by many tools: a two-colour palette.
+    QImage flat(640, 400, QImage::Format_Mono);
+    flat.setColorTable({QColor(255, 165, 0).rgb(), qRgb(0, 0, 0)});
+    flat.fill(0);
+    ASSERT_TRUE(flat.save(file("flat.png"), "PNG"));
+    const QImage thumbnail = thumbnailer.decode(file("flat.png"));
+    ASSERT_FALSE(thumbnail.isNull());
+    const QImage tile =
+        thumbnail.scaled(100, 63, Qt::KeepAspectRatioByExpanding, Qt::SmoothTransformation);
+    EXPECT_EQ(tile.pixelColor(10, 10), QColor(255, 165, 0));
+    EXPECT_EQ(tile.pixelColor(11, 10), QColor(255, 165, 0));
+}
+
 TEST_F(ThumbnailerTest, ACachedFileIsNotDecodedAgainUntilItsSizeChanges) {
     savePicture(file("shot.png"), {400, 400}, Qt::red);
     QList<ListedFile> files{listed(file("shot.png"))};
