@@ -21,6 +21,7 @@
 #include "gallery/menu_bar_view.h"
 #include "gallery/pill_panel.h"
 #include "library/screenshot_store.h"
+#include "platform/autostart_entry.h"
 #include "platform/click_monitor.h"
 #include "platform/notifier.h"
 #include "platform/platform_services.h"
@@ -29,7 +30,9 @@
 #include "preview/screenshot_preview_window_controller.h"
 #include "recording/recording_picker.h"
 #include "recording/window_picker.h"
+#include "settings/settings_window_controller.h"
 #include "shelves/shelf_window.h"
+#include "storage/envelope_file.h"
 #include "storage/preferences.h"
 #include "storage/screenshot_metadata_store.h"
 #include "storage/shelf_store.h"
@@ -159,8 +162,11 @@ void AppDelegate::showPillPanel() {
     const QRect popoverFrame = popover_->geometry();
     QScreen* screen = screenAt(popoverFrame.center());
     FooterPillView::Actions actions;
-    // The settings window is not built yet: its button only closes the
-    // popover.
+    actions.showSettings = [self = QPointer<AppDelegate>(this)] {
+        if (self) {
+            self->showSettings();
+        }
+    };
     actions.showShelves = [self = QPointer<AppDelegate>(this)] {
         if (self) {
             self->showShelves();
@@ -279,7 +285,14 @@ void AppDelegate::setUpHotkeys() {
     // Every later change of the bindings re-registers all of them.
     connect(
         &UserSettings::shared(), &UserSettings::hotkeysChanged, this,
-        [this] { hotKeyManager_->registerAll(); }, Qt::QueuedConnection);
+        [this] {
+            // A shortcut recorded while paused is registered once, when the
+            // recording ends.
+            if (!hotkeysPaused_) {
+                hotKeyManager_->registerAll();
+            }
+        },
+        Qt::QueuedConnection);
 }
 
 void AppDelegate::setUpNotifications() {
@@ -299,6 +312,65 @@ void AppDelegate::showShelves() {
             &AppDelegate::openPreview);
     }
     shelfWindow_->present();
+}
+
+void AppDelegate::showSettings() {
+    if (!settingsWindow_) {
+        PlatformServices& platform = PlatformServices::instance();
+        autostart_ = std::make_unique<AutostartEntry>(QCoreApplication::applicationFilePath());
+        const QPointer<AppDelegate> self(this);
+        SettingsServices services{
+            Preferences::shared(),
+            UserSettings::shared(),
+            ShelfStore::shared(),
+            platform.keyboardLayout(),
+            platform.notifier(),
+            *autostart_,
+            dataDirectory() + QStringLiteral("/icons"),
+            [&platform] { return platform.screenCaptureGranted(); },
+            [&platform] { return platform.accessibilityGranted(); },
+            [self] {
+                if (self) {
+                    self->pauseHotkeys();
+                }
+            },
+            [self] {
+                if (self) {
+                    self->resumeHotkeys();
+                }
+            },
+            // This build cannot update itself yet.
+            {},
+        };
+        settingsWindow_ = std::make_unique<SettingsWindowController>(std::move(services));
+        connect(settingsWindow_.get(), &SettingsWindowController::customBarIconChanged, this,
+                &AppDelegate::applyCustomBarIcon);
+    }
+    settingsWindow_->show();
+}
+
+// While a shortcut is being recorded the global grabs are released, so the
+// combination pressed reaches the recorder rather than starting its action.
+void AppDelegate::pauseHotkeys() {
+    ++hotkeyPauses_;
+    if (hotKeyManager_ && !hotkeysPaused_) {
+        hotkeysPaused_ = true;
+        qCInfo(lcApp).noquote()
+            << QStringLiteral("Quillix: hotkeys paused while a shortcut is recorded");
+        hotKeyManager_->unregisterAll();
+    }
+}
+
+// Queued behind the change the recording may just have saved, whose own
+// re-registration is then skipped: the bindings are registered once. A new
+// recording started meanwhile keeps them paused.
+void AppDelegate::resumeHotkeys() {
+    QTimer::singleShot(0, this, [this, pauses = hotkeyPauses_] {
+        if (hotKeyManager_ && hotkeysPaused_ && pauses == hotkeyPauses_) {
+            hotkeysPaused_ = false;
+            hotKeyManager_->registerAll();
+        }
+    });
 }
 
 void AppDelegate::openNotifiedCapture(const QString& path) {

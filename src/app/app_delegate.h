@@ -16,7 +16,9 @@ class MenuBarView;
 class ScreenshotItem;
 class PillPanel;
 class PopoverWindow;
+class AutostartEntry;
 class QSystemTrayIcon;
+class SettingsWindowController;
 class ShelfWindow;
 
 // The process's one long-lived controller: it runs the launch sequence, owns
@@ -76,6 +78,9 @@ private:
     void openNotifiedCapture(const QString& path);
     static void openPreview(const ScreenshotItem& item);
     void showShelves();
+    void showSettings();
+    void pauseHotkeys();
+    void resumeHotkeys();
 
     std::unique_ptr<QSystemTrayIcon> trayIcon_;
     QString customIconPath_;
@@ -84,8 +89,12 @@ private:
     std::unique_ptr<PillPanel> pillPanel_;
     // Made on first use and kept: closing it only hides it.
     std::unique_ptr<ShelfWindow> shelfWindow_;
+    std::unique_ptr<AutostartEntry> autostart_;
+    std::unique_ptr<SettingsWindowController> settingsWindow_;
     bool clickMonitorInstalled_ = false;
     std::unique_ptr<HotKeyManager> hotKeyManager_;
+    bool hotkeysPaused_ = false;
+    quint64 hotkeyPauses_ = 0;  // counts pauseHotkeys() calls
     QPointer<ClearScreenStarter> pendingStart_;
     QPointer<HUDWindowController> hud_;
 };

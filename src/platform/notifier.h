@@ -24,6 +24,8 @@ public:
                       const QString& subject = {}) = 0;
 
 Q_SIGNALS:
+    // isAuthorised() now answers `authorised` (a service came or went).
+    void authorisationChanged(bool authorised);
     // The user clicked a notification we posted; `subject` is that notification's subject.
     void activated(const QString& subject);
 };

@@ -71,6 +71,14 @@ std::unique_ptr<PointerPicker> PlatformServices::createPointerPicker() {
     return X11PointerPicker::create(connection, x11RootWindow(connection));
 }
 
+bool PlatformServices::screenCaptureGranted() const {
+    return x11Connection() != nullptr;
+}
+
+bool PlatformServices::accessibilityGranted() const {
+    return x11Connection() != nullptr;
+}
+
 bool PlatformServices::compositorRunning() const {
     xcb_connection_t* connection = x11Connection();
     // Only X11 shows translucent pixels without compositing; other display

@@ -47,6 +47,12 @@ public:
     // at any time). Where none can be asked, one is assumed.
     bool compositorRunning() const;
 
+    // Whether the screen may be captured without asking the user: always on
+    // X11, where no permission exists.
+    bool screenCaptureGranted() const;
+    // Whether global keys and pointer grabs work without asking: always on X11.
+    bool accessibilityGranted() const;
+
 private:
     PlatformServices();
 

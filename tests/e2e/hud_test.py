@@ -26,9 +26,7 @@ SCREEN = (1920, 1080)
 
 
 def write_auto_dismiss(home, seconds):
-    os.makedirs(os.path.join(home.config, "Quillix"))
-    with open(os.path.join(home.config, "Quillix", "Quillix.conf"), "w") as conf:
-        conf.write(f"[General]\nautoDismissSeconds={seconds}\n")
+    home.write_preferences(autoDismissSeconds=seconds)
 
 
 def open_hud(x, y):

@@ -6,6 +6,7 @@
 Each test class gets a fresh HOME with its own XDG folders, starts the program
 there once, reads its log from a file (never from a pipe) and stops it by PID.
 """
+import configparser
 import glob
 import json
 import os
@@ -47,9 +48,10 @@ def wait_until(predicate, timeout=20.0, interval=0.05, what="condition"):
 
 
 class FreshHome:
-    """A temporary HOME with Desktop, Documents, Pictures and Videos."""
+    """A temporary HOME with Desktop, Documents, Pictures and Videos. The
+    welcome slides count as seen unless `first_run`."""
 
-    def __init__(self):
+    def __init__(self, first_run=False):
         self.root = tempfile.mkdtemp(prefix="quillix-e2e-")
         self.home = os.path.join(self.root, "home")
         self.folders = {}
@@ -80,6 +82,27 @@ class FreshHome:
             "XDG_STATE_HOME": os.path.join(self.home, ".local", "state"),
             "XDG_RUNTIME_DIR": runtime,
         })
+        if not first_run:
+            self.write_preferences()
+
+    @property
+    def preferences_path(self):
+        return os.path.join(self.config, "Quillix", "Quillix.conf")
+
+    def write_preferences(self, **values):
+        """Quillix.conf holding `values`, the welcome slides counted as seen."""
+        values.setdefault("hasSeenOnboarding", "true")
+        os.makedirs(os.path.dirname(self.preferences_path), exist_ok=True)
+        with open(self.preferences_path, "w") as conf:
+            conf.write("[General]\n")
+            conf.writelines(f"{key}={value}\n" for key, value in values.items())
+
+    def preferences(self):
+        """Quillix.conf as a dict of its [General] keys."""
+        parser = configparser.ConfigParser(interpolation=None)
+        parser.optionxform = str
+        parser.read(self.preferences_path)
+        return dict(parser["General"]) if parser.has_section("General") else {}
 
     @property
     def data_dir(self):

@@ -111,8 +111,9 @@ void FreedesktopNotifier::askWhetherServiceIsActivatable(quint64 question) {
 }
 
 void FreedesktopNotifier::answer(quint64 question, bool reachable) {
-    if (question == latestQuestion_) {
+    if (question == latestQuestion_ && authorised_ != reachable) {
         authorised_ = reachable;
+        Q_EMIT authorisationChanged(reachable);
     }
 }
 

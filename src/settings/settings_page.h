@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Quillix developers
+
+#pragma once
+
+#include <QScrollArea>
+#include <QString>
+
+class QVBoxLayout;
+class SettingsGroup;
+
+// The frame of one settings section: its title over a scrolling column of
+// groups and other content.
+class SettingsPage : public QScrollArea {
+    Q_OBJECT
+
+public:
+    explicit SettingsPage(const QString& title, QWidget* parent = nullptr);
+
+    SettingsGroup* addGroup(const QString& title);
+    void addWidget(QWidget* widget);
+    // Ends the column: what follows the last group stays at the top.
+    void finish();
+
+private:
+    QWidget* column_ = nullptr;
+    QVBoxLayout* layout_ = nullptr;
+};
