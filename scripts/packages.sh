@@ -24,7 +24,7 @@ DESKTOP_PACKAGES=(
     python3 python3-cryptography imagemagick ffmpeg
 )
 
-TEST_PACKAGES=(libgtest-dev at-spi2-core python3-pyatspi clang-format clang-tidy)
+TEST_PACKAGES=(libgtest-dev at-spi2-core python3-pyatspi clang-format clang-tidy desktop-file-utils)
 
 # Installs whichever of the given packages are not installed yet.
 ensure_packages() {

@@ -56,7 +56,7 @@ QByteArray AutostartEntry::contents(const QString& program) {
                              "Exec=%1\n"
                              "Icon=quillix\n"
                              "Terminal=false\n"
-                             "Categories=Graphics;Utility;\n"
+                             "Categories=Graphics;\n"
                              "X-GNOME-Autostart-enabled=true\n")
                              .arg(quotedExecArgument(program));
     return text.toUtf8();

@@ -20,9 +20,9 @@ QString AboutSettingsView::websiteURL() {
 
 AboutSettingsView::AboutSettingsView(std::function<void()> checkForUpdates, QWidget* parent)
     : SettingsPage(QString(), parent), checkForUpdates_(std::move(checkForUpdates)) {
-    setAccessibleName(QStringLiteral("About"));
+    setAccessibleName(QStringLiteral("About section"));
     auto* logo = new QLabel;
-    logo->setPixmap(QIcon(QStringLiteral(":/icons/Logo.svg")).pixmap(QSize(72, 72)));
+    logo->setPixmap(programLogo().pixmap(QSize(72, 72)));
     logo->setAccessibleName(QStringLiteral("Quillix logo"));
     auto* name = new QLabel(QStringLiteral("Quillix"));
     name->setFont(widget_style::font(font(), 24, QFont::Bold));

@@ -215,8 +215,15 @@ std::optional<QString> GeneralSettingsView::copyCustomIcon(const QString& chosen
     if (QFileInfo(chosenFile).canonicalFilePath() == QFileInfo(target).canonicalFilePath()) {
         return target;  // chosen again from where an earlier choice put it
     }
+    // Copied beside the target first: a failed copy leaves the icon in use.
+    const QString partial = target + QStringLiteral(".part");
+    QFile::remove(partial);
+    if (!QFile::copy(chosenFile, partial)) {
+        return std::nullopt;
+    }
     QFile::remove(target);
-    if (!QFile::copy(chosenFile, target)) {
+    if (!QFile::rename(partial, target)) {
+        QFile::remove(partial);
         return std::nullopt;
     }
     return target;

@@ -10,7 +10,7 @@
 #include "widgets/widget_style.h"
 
 SettingsPage::SettingsPage(const QString& title, QWidget* parent) : QScrollArea(parent) {
-    setAccessibleName(title);
+    setAccessibleName(title + QStringLiteral(" section"));
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

@@ -16,6 +16,22 @@
 #include "widgets/symbol_icon.h"
 #include "widgets/widget_style.h"
 
+namespace {
+
+// In the accent colour, and in the highlighted text's colour on the
+// selected row, whose background is the accent.
+QIcon sidebarIcon(const QString& symbol, const QPalette& palette) {
+    constexpr QSize kSize(16, 16);
+    QIcon icon = symbolIcon(symbol, widget_style::accent(palette), kSize);
+    for (const qreal ratio : {1.0, 2.0}) {
+        icon.addPixmap(symbolPixmap(symbol, palette.color(QPalette::HighlightedText), kSize, ratio),
+                       QIcon::Selected);
+    }
+    return icon;
+}
+
+}  // namespace
+
 SettingsView::SettingsView(const SettingsServices& services, QWidget* parent) : QWidget(parent) {
     setAccessibleName(QStringLiteral("Settings"));
     auto* layout = new QHBoxLayout(this);
@@ -41,9 +57,8 @@ void SettingsView::buildSidebar() {
     palette.setColor(QPalette::Base, widget_style::withAlpha(widget_style::primary(palette), 0.05));
     sidebar_->setPalette(palette);
     for (const SettingsSection section : kAllSettingsSections) {
-        auto* item = new QListWidgetItem(
-            symbolIcon(sidebarSymbol(section), widget_style::accent(palette), QSize(16, 16)),
-            sidebarTitle(section), sidebar_);
+        auto* item = new QListWidgetItem(sidebarIcon(sidebarSymbol(section), palette),
+                                         sidebarTitle(section), sidebar_);
         item->setData(Qt::AccessibleTextRole, sidebarTitle(section));
         item->setSizeHint(QSize(kSidebarWidth - 8, 30));
     }

@@ -17,9 +17,15 @@
 static void ensureSymbolResources() {
     static const bool registered = [] {
         Q_INIT_RESOURCE(symbols);
+        Q_INIT_RESOURCE(quillix);
         return true;
     }();
     Q_UNUSED(registered);
+}
+
+QIcon programLogo() {
+    ensureSymbolResources();
+    return QIcon(QStringLiteral(":/icons/Logo.svg"));
 }
 
 QString symbolIconPath(const QString& name) {

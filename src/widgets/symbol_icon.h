@@ -13,6 +13,9 @@
 // "pencil", "arrow.uturn.backward"), so the palettes look the same under every
 // icon theme. The drawings are black; these helpers paint them in any colour.
 
+// The program's own coloured logo.
+QIcon programLogo();
+
 // The resource path of a symbol's drawing.
 QString symbolIconPath(const QString& name);
 
