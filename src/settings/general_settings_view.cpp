@@ -49,6 +49,8 @@ QCheckBox* makeToggle(const QString& label, bool checked) {
     auto* toggle = new QCheckBox(label);
     toggle->setChecked(checked);
     toggle->setAccessibleName(label);
+    // As wide as its box and label: a click beside them would do nothing.
+    toggle->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     return toggle;
 }
 
