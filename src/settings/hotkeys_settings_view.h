@@ -36,14 +36,12 @@ public:
                         HotkeyGrabPause grabPause, QWidget* parent = nullptr);
     ~HotkeysSettingsView() override;
 
-    HotkeysSettingsView(const HotkeysSettingsView&) = delete;
-    HotkeysSettingsView& operator=(const HotkeysSettingsView&) = delete;
-
     // The row recording, if any.
     std::optional<HotkeyAction> recordingTarget() const { return recording_; }
     // Ends any recording without changing its binding.
     void stopRecording();
 
+    // An action's recorder (nothing for an unknown action) and the reset button.
     KeyRecorderView* recorder(HotkeyAction action) const;
     QPushButton* resetButton() const { return resetButton_; }
 
