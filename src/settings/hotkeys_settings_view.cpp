@@ -4,6 +4,7 @@
 #include "settings/hotkeys_settings_view.h"
 
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLoggingCategory>
 #include <QPushButton>
@@ -69,9 +70,9 @@ QLabel* textLabel(const QString& text, int pixelSize, QFont::Weight weight, QWid
 HotkeysSettingsView::HotkeysSettingsView(UserSettings& settings, const KeyboardLayout& layout,
                                          HotkeyGrabPause grabPause, QWidget* parent)
     : QWidget(parent), settings_(settings), layout_(layout), grabPause_(std::move(grabPause)) {
-    setAccessibleName(QStringLiteral("Hotkeys"));
+    setAccessibleName(QStringLiteral("Hotkeys section"));
     auto* scroll = new QScrollArea(this);
-    scroll->setAccessibleName(QStringLiteral("Hotkeys"));
+    scroll->setAccessibleName(QStringLiteral("Hotkeys settings"));
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setWidgetResizable(true);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -92,8 +93,8 @@ HotkeysSettingsView::~HotkeysSettingsView() {
 QWidget* HotkeysSettingsView::buildContent() {
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
-    column->setContentsMargins(24, 20, 24, 20);
-    column->setSpacing(8);
+    column->setContentsMargins(24, 16, 24, 8);
+    column->setSpacing(4);
     column->addWidget(textLabel(QStringLiteral("Hotkeys"), 22, QFont::Bold, content));
     column->addSpacing(6);
     column->addWidget(
@@ -109,7 +110,12 @@ QWidget* HotkeysSettingsView::buildContent() {
     QPalette faint = legend->palette();
     faint.setColor(QPalette::WindowText, widget_style::secondary(faint));
     legend->setPalette(faint);
-    column->addWidget(legend);
+    // The legend and the reset share the last line, so the whole section
+    // fits the window without scrolling.
+    auto* lastLine = new QHBoxLayout;
+    lastLine->addWidget(legend);
+    lastLine->addStretch(1);
+    column->addLayout(lastLine);
 
     resetButton_ = new QPushButton(QStringLiteral("Reset to defaults"), content);
     resetButton_->setAccessibleName(QStringLiteral("Reset to defaults"));
@@ -119,7 +125,7 @@ QWidget* HotkeysSettingsView::buildContent() {
     red.setColor(QPalette::ButtonText, kRed);
     resetButton_->setPalette(red);
     connect(resetButton_, &QPushButton::clicked, this, &HotkeysSettingsView::resetAll);
-    column->addWidget(resetButton_, 0, Qt::AlignLeft);
+    lastLine->addWidget(resetButton_);
     column->addStretch(1);
     return content;
 }

@@ -20,6 +20,7 @@ from quillix_session import (AppTestCase, FreshHome, RunningApp, call_app,  # no
 
 AREA_EDITOR = "Area selection"
 DEFAULT_AREA = {"keyCode": 19, "modifiers": 256}
+RECORDING = "Capture area: Type shortcut…"
 
 
 def tray_pixels():
@@ -55,11 +56,11 @@ class Settings(AppTestCase):
 
         self.open_section("Hotkeys")
         before = self.registrations()
-        click_control("Capture area")
-        wait_until(lambda: is_shown("Type shortcut…"), what="the recorder")
+        click_control("Capture area: ⌘2")
+        wait_until(lambda: is_shown(RECORDING), what="the recorder")
         xdotool("key", "a")  # no modifier: ignored, still recording
         time.sleep(0.3)
-        self.assertTrue(is_shown("Type shortcut…"))
+        self.assertTrue(is_shown(RECORDING))
         xdotool("key", "super+shift+5")
         wait_until(lambda: json.loads(self.settings_document())["hotkeys"]["captureArea"]
                    == {"keyCode": 23, "modifiers": 768}, what="the new binding in settings.bin")
@@ -76,10 +77,10 @@ class Settings(AppTestCase):
         wait_for_no_window(AREA_EDITOR, "the area editor to close")
 
         self.open_section("Hotkeys")
-        click_control("Capture area")
-        wait_until(lambda: is_shown("Type shortcut…"), what="the recorder")
+        click_control("Capture area: ⇧⌘5")
+        wait_until(lambda: is_shown(RECORDING), what="the recorder")
         xdotool("key", "shift+Escape")
-        wait_until(lambda: not is_shown("Type shortcut…"), what="the recorder to stop")
+        wait_until(lambda: is_shown("Capture area: ⇧⌘5"), what="the recorder to stop")
         self.assertEqual(json.loads(self.settings_document())["hotkeys"]["captureArea"],
                          {"keyCode": 23, "modifiers": 768})
 
