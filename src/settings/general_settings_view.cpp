@@ -27,8 +27,6 @@
 #include "storage/preferences.h"
 #include "storage/user_settings.h"
 
-Q_LOGGING_CATEGORY(lcSettings, "quillix.settings")
-
 namespace {
 
 constexpr int kAutoDismissMinimum = 3;

@@ -15,13 +15,12 @@
 #include "platform/keyboard_layout.h"
 #include "settings/editable_hotkey_row.h"
 #include "settings/key_recorder_view.h"
+#include "settings/settings_services.h"
 #include "settings/video_hotkey_row.h"
 #include "storage/user_settings.h"
 #include "widgets/widget_style.h"
 
 namespace {
-
-Q_LOGGING_CATEGORY(lcHotkeysSection, "quillix.settings")
 
 const QColor kRed(0xd9, 0x30, 0x25);
 
@@ -213,7 +212,7 @@ void HotkeysSettingsView::record(HotkeyAction action, const HotkeyBinding& bindi
     if (recording_ != action) {
         return;
     }
-    qCInfo(lcHotkeysSection).noquote()
+    qCInfo(lcSettings).noquote()
         << "Quillix: recorded" << displayString(binding) << "for" << jsonKey(action);
     // Saved before the grabs resume, so they are taken with the new binding.
     settings_.setHotkey(action, binding);
