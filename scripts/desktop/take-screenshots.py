@@ -8,14 +8,19 @@ Usage: take-screenshots.py QUILLIX_BINARY OUTPUT_FOLDER
 """
 import json
 import os
+import shutil
 import subprocess
 import sys
 import time
+import uuid
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "..", "tests", "e2e"))
 from quillix_session import (FreshHome, RunningApp, call_app, centre,  # noqa: E402
-                             click_control, locate, seal, viewable_windows, wait_until,
-                             window_geometry, xdotool)
+                             click_control, locate, seal, viewable_windows, wait_for_window,
+                             wait_until, window_geometry, xdotool)
+
+SETTINGS_SECTIONS = ["General", "Hotkeys", "Storage", "Shelves", "Help", "About"]
+SHELVES = {"Design": ["Design review.png", "Dashboard.png"], "Bugs": ["Bug 12 crash dialog.png"]}
 
 SAMPLES = [
     # name, size, two gradient colours, a drawn shape
@@ -56,7 +61,7 @@ def grown(rect, margin, screen=(1920, 1080)):
 def main():
     binary, output = sys.argv[1], sys.argv[2]
     subprocess.run(["xsetroot", "-solid", "#5d6d7e"], check=True)
-    home = FreshHome()
+    home = FreshHome(first_run=True)
     desktop = home.folders["Desktop"]
     for name, size, colours, shape in SAMPLES:
         subprocess.run(["convert", "-size", size, f"gradient:{colours}", "-fill", "#ffffffcc",
@@ -72,9 +77,11 @@ def main():
     os.makedirs(home.data_dir, mode=0o700, exist_ok=True)
     with open(os.path.join(home.data_dir, "metadata.bin"), "wb") as sealed:
         sealed.write(seal(json.dumps(metadata).encode()))
+    write_shelves(home, desktop)
 
     app = RunningApp(binary, home)
     try:
+        take_welcome_slides(output)
         wait_until(lambda: "(id 6)" in app.output(), what="hotkeys")
         wait_until(lambda: call_app("ListedFiles") is not None, what="D-Bus")
         call_app("SetShowOnlyQuillixItems", "boolean:false")
@@ -122,9 +129,52 @@ def main():
         time.sleep(0.6)
         grab(output, "area-editor.png", (360, 160, 1200, 760))
         xdotool("key", "Escape")
+        time.sleep(0.8)
+        take_settings(output)
     finally:
         app.stop()
         home.cleanup()
+
+
+def write_shelves(home, desktop):
+    """Two shelves beside the samples, each holding copies of some of them."""
+    shelves = []
+    for name, files in SHELVES.items():
+        folder = os.path.join(desktop, f"{name}:shelf")
+        os.makedirs(folder)
+        for file in files:
+            shutil.copy(os.path.join(desktop, file), folder)
+        shelves.append({"id": str(uuid.uuid4()).upper(), "name": name,
+                        "folderURLPath": folder, "createdAt": 786000000.0})
+    with open(os.path.join(home.data_dir, "shelves.bin"), "wb") as sealed:
+        sealed.write(seal(json.dumps(shelves).encode()))
+
+
+def window_rect(title):
+    window = viewable_windows(title)[0]
+    return window_geometry(window)
+
+
+def take_welcome_slides(output):
+    wait_for_window("Welcome to Quillix", "the welcome slides")
+    for slide in range(1, 6):
+        time.sleep(0.9)  # the slide's entrance
+        grab(output, f"welcome-{slide}.png", grown(window_rect("Welcome to Quillix"), 0))
+        click_control("Next" if slide < 5 else "Done")
+    wait_until(lambda: not viewable_windows("Welcome to Quillix"), what="the slides to close")
+
+
+def take_settings(output):
+    xdotool("key", "super+shift+1")
+    wait_until(lambda: viewable_windows("Quillix gallery"), what="the popover")
+    time.sleep(0.6)
+    click_control("Settings")
+    wait_for_window("Settings", "the settings window")
+    time.sleep(0.6)
+    for section in SETTINGS_SECTIONS:
+        click_control(section)
+        time.sleep(0.6)
+        grab(output, f"settings-{section.lower()}.png", grown(window_rect("Settings"), 0))
 
 
 def drag(start, end, steps=12):
