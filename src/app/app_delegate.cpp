@@ -355,8 +355,8 @@ void AppDelegate::pauseHotkeys() {
     ++hotkeyPauses_;
     if (hotKeyManager_ && !hotkeysPaused_) {
         hotkeysPaused_ = true;
-        qCInfo(lcApp).noquote()
-            << QStringLiteral("Quillix: hotkeys paused while a shortcut is recorded");
+        qCInfo(lcApp).noquote() << QStringLiteral(
+            "Quillix: hotkeys paused while a shortcut is recorded");
         hotKeyManager_->unregisterAll();
     }
 }

@@ -4,11 +4,11 @@
 #include "platform/autostart_entry.h"
 
 #include <QDir>
-#include <algorithm>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <algorithm>
 
 namespace {
 
@@ -22,7 +22,8 @@ const QString kReserved = QStringLiteral(" \t\n\"'\\><~|&;$*?#()`");
 
 }  // namespace
 
-AutostartEntry::AutostartEntry(const QString& program) : AutostartEntry(defaultEntryPath(), program) {}
+AutostartEntry::AutostartEntry(const QString& program)
+    : AutostartEntry(defaultEntryPath(), program) {}
 
 AutostartEntry::AutostartEntry(const QString& entryPath, const QString& program)
     : path_(entryPath), program_(program) {}

@@ -39,6 +39,5 @@ std::optional<QStringList> DesktopSettings::notificationSettingsCommand() {
 }
 
 bool DesktopSettings::open(const QStringList& command) {
-    return !command.isEmpty() &&
-           QProcess::startDetached(command.first(), command.mid(1));
+    return !command.isEmpty() && QProcess::startDetached(command.first(), command.mid(1));
 }

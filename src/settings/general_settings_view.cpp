@@ -108,9 +108,9 @@ void GeneralSettingsView::addBehaviourGroup() {
 }
 
 void GeneralSettingsView::showAutoDismiss() {
-    const int seconds = std::clamp(
-        static_cast<int>(std::lround(services_.preferences.autoDismissSeconds())),
-        kAutoDismissMinimum, kAutoDismissMaximum);
+    const int seconds =
+        std::clamp(static_cast<int>(std::lround(services_.preferences.autoDismissSeconds())),
+                   kAutoDismissMinimum, kAutoDismissMaximum);
     const QSignalBlocker quiet(autoDismiss_);
     autoDismiss_->setValue(seconds);
     autoDismissLabel_->setText(QStringLiteral("%1s").arg(seconds));
@@ -155,7 +155,7 @@ void GeneralSettingsView::addRecentScreenshotsGroup() {
 
 void GeneralSettingsView::showOnlyQuillixCaption() {
     onlyQuillixCaption_->setText(services_.settings.showOnlyQuillixItems() ? kOnlyQuillixOn
-                                                                         : kOnlyQuillixOff);
+                                                                           : kOnlyQuillixOff);
     onlyQuillixCaption_->setAccessibleName(onlyQuillixCaption_->text());
 }
 
@@ -287,10 +287,10 @@ void GeneralSettingsView::addPermissionsGroup() {
     if (DesktopSettings::notificationSettingsCommand()) {
         grantNotifications = [this] { openNotificationSettings(); };
     }
-    notifications_ = new PermissionRow(QStringLiteral("Notifications"), QStringLiteral("bell.badge"),
-                                       grantNotifications);
-    accessibility_ = new PermissionRow(QStringLiteral("Accessibility"),
-                                       QStringLiteral("accessibility"), {});
+    notifications_ = new PermissionRow(QStringLiteral("Notifications"),
+                                       QStringLiteral("bell.badge"), grantNotifications);
+    accessibility_ =
+        new PermissionRow(QStringLiteral("Accessibility"), QStringLiteral("accessibility"), {});
     group->addRow(screenRecording_);
     group->addRow(notifications_);
     group->addRow(accessibility_);
@@ -304,7 +304,8 @@ void GeneralSettingsView::openNotificationSettings() {
 }
 
 void GeneralSettingsView::refreshPermissions() {
-    screenRecording_->setGranted(services_.screenCaptureGranted && services_.screenCaptureGranted());
+    screenRecording_->setGranted(services_.screenCaptureGranted &&
+                                 services_.screenCaptureGranted());
     accessibility_->setGranted(services_.accessibilityGranted && services_.accessibilityGranted());
     notifications_->setGranted(services_.notifier.isAuthorised());
 }

@@ -75,6 +75,7 @@ void HelpContactRow::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(widget_style::withAlpha(widget_style::primary(palette()), hovered_ ? 0.09 : 0.05));
+    painter.setBrush(
+        widget_style::withAlpha(widget_style::primary(palette()), hovered_ ? 0.09 : 0.05));
     painter.drawRoundedRect(QRectF(rect()), 8, 8);
 }

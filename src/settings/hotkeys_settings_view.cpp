@@ -212,8 +212,8 @@ void HotkeysSettingsView::record(HotkeyAction action, const HotkeyBinding& bindi
     if (recording_ != action) {
         return;
     }
-    qCInfo(lcSettings).noquote()
-        << "Quillix: recorded" << displayString(binding) << "for" << jsonKey(action);
+    qCInfo(lcSettings).noquote() << "Quillix: recorded" << displayString(binding) << "for"
+                                 << jsonKey(action);
     // Saved before the grabs resume, so they are taken with the new binding.
     settings_.setHotkey(action, binding);
     stopRecording();

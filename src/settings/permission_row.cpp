@@ -24,8 +24,8 @@ PermissionRow::PermissionRow(const QString& title, const QString& icon,
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 6, 0, 6);
     auto* symbol = new QLabel(this);
-    symbol->setPixmap(symbolPixmap(icon, widget_style::primary(palette()), kSymbolSize,
-                                   devicePixelRatioF()));
+    symbol->setPixmap(
+        symbolPixmap(icon, widget_style::primary(palette()), kSymbolSize, devicePixelRatioF()));
     symbol->setAccessibleName(title + QStringLiteral(" symbol"));
     layout->addWidget(symbol);
     layout->addWidget(new QLabel(title, this), 1);
@@ -56,5 +56,6 @@ void PermissionRow::setGranted(bool granted) {
                                     devicePixelRatioF()));
     statusText_->setVisible(granted);
     grant_->setVisible(!granted);
-    setAccessibleName(title_ + (granted ? QStringLiteral(": granted") : QStringLiteral(": not granted")));
+    setAccessibleName(title_ +
+                      (granted ? QStringLiteral(": granted") : QStringLiteral(": not granted")));
 }

@@ -71,17 +71,16 @@ void SettingsView::buildSidebar() {
 
 void SettingsView::buildSections(const SettingsServices& services) {
     general_ = new GeneralSettingsView(services, stack_);
-    hotkeys_ = new HotkeysSettingsView(services.settings, services.keyboardLayout,
-                                       HotkeyGrabPause{services.pauseHotkeys,
-                                                       services.resumeHotkeys},
-                                       stack_);
+    hotkeys_ = new HotkeysSettingsView(
+        services.settings, services.keyboardLayout,
+        HotkeyGrabPause{services.pauseHotkeys, services.resumeHotkeys}, stack_);
     storage_ = new StorageSettingsView(services, stack_);
     shelves_ = new ShelvesSettingsView(services, stack_);
     help_ = new HelpSettingsView(stack_);
     about_ = new AboutSettingsView(services.checkForUpdates, stack_);
     // In the sidebar's order.
-    for (QWidget* section : std::initializer_list<QWidget*>{general_, hotkeys_, storage_, shelves_,
-                                                           help_, about_}) {
+    for (QWidget* section :
+         std::initializer_list<QWidget*>{general_, hotkeys_, storage_, shelves_, help_, about_}) {
         stack_->addWidget(section);
     }
     connect(general_, &GeneralSettingsView::customBarIconChanged, this,

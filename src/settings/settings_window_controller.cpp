@@ -33,9 +33,9 @@ void SettingsWindowController::show() {
 
 void SettingsWindowController::buildWindow() {
     // A tool window: no task-bar entry, no minimise or maximise button.
-    window_ = std::make_unique<QWidget>(nullptr, Qt::Tool | Qt::CustomizeWindowHint |
-                                                     Qt::WindowTitleHint |
-                                                     Qt::WindowCloseButtonHint);
+    window_ =
+        std::make_unique<QWidget>(nullptr, Qt::Tool | Qt::CustomizeWindowHint |
+                                               Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     window_->setWindowTitle(QStringLiteral("Settings"));
     window_->setAccessibleName(QStringLiteral("Settings"));
     window_->setFixedSize(kContentSize);

@@ -113,8 +113,8 @@ void ShelvesSettingsView::rebuildShelves() {
     menus_.clear();
     countsPending_ = 0;
     const QList<ShelfItem>& shelves = services_.shelves.shelves();
-    shelvesGroup_ = new SettingsGroup(
-        QStringLiteral("Your Shelves (%1)").arg(shelves.size()), shelvesHost_);
+    shelvesGroup_ =
+        new SettingsGroup(QStringLiteral("Your Shelves (%1)").arg(shelves.size()), shelvesHost_);
     shelvesHost_->layout()->addWidget(shelvesGroup_);
     if (shelves.isEmpty()) {
         auto* empty =
@@ -173,11 +173,12 @@ QMenu* ShelvesSettingsView::makeRowMenu(const ShelfItem& shelf, QWidget* owner) 
     menu->addAction(symbolIcon(QStringLiteral("folder"), tint, QSize(16, 16)),
                     QStringLiteral("Show in File Manager"),
                     [folder] { revealInFileManager(folder); });
-    menu->addAction(QStringLiteral("Rename Shelf"), this, [this, shelf] { openRenameSheet(shelf); });
+    menu->addAction(QStringLiteral("Rename Shelf"), this,
+                    [this, shelf] { openRenameSheet(shelf); });
     const QUuid id = shelf.id;
     menu->addAction(symbolIcon(QStringLiteral("trash"), tint, QSize(16, 16)),
-                    QStringLiteral("Delete Shelf"),
-                    this, [this, id] { services_.shelves.deleteShelf(id); });
+                    QStringLiteral("Delete Shelf"), this,
+                    [this, id] { services_.shelves.deleteShelf(id); });
     return menu;
 }
 

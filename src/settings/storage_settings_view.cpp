@@ -15,20 +15,18 @@ StorageSettingsView::StorageSettingsView(const SettingsServices& services, QWidg
     : SettingsPage(QStringLiteral("Storage"), parent), services_(services) {
     Preferences& preferences = services_.preferences;
     SettingsGroup* limits = addGroup(QStringLiteral("Limits"));
-    maxScreenshots_ = new SettingsStepper(kMaxScreenshotsRange, QStringLiteral("screenshots"),
-                                          [](int count) {
-                                              return QStringLiteral("Keep up to %1 screenshots")
-                                                  .arg(count);
-                                          });
-    autoClearDays_ =
-        new SettingsStepper(kAutoClearDaysRange, QStringLiteral("days"), [](int days) {
-            return QStringLiteral("Auto-clear after %1 days").arg(days);
-        });
+    maxScreenshots_ = new SettingsStepper(
+        kMaxScreenshotsRange, QStringLiteral("screenshots"),
+        [](int count) { return QStringLiteral("Keep up to %1 screenshots").arg(count); });
+    autoClearDays_ = new SettingsStepper(kAutoClearDaysRange, QStringLiteral("days"), [](int days) {
+        return QStringLiteral("Auto-clear after %1 days").arg(days);
+    });
     limits->addRow(maxScreenshots_);
     limits->addRow(autoClearDays_);
     connect(maxScreenshots_, &SettingsStepper::stepped, &preferences,
             &Preferences::setMaxScreenshots);
-    connect(autoClearDays_, &SettingsStepper::stepped, &preferences, &Preferences::setAutoClearDays);
+    connect(autoClearDays_, &SettingsStepper::stepped, &preferences,
+            &Preferences::setAutoClearDays);
 
     SettingsGroup* location = addGroup(QStringLiteral("Save Location"));
     auto* trailing = new QWidget;
@@ -52,8 +50,7 @@ void StorageSettingsView::showValues() {
     const Preferences& preferences = services_.preferences;
     maxScreenshots_->setValue(preferences.maxScreenshots());
     autoClearDays_->setValue(preferences.autoClearDays());
-    const QString folder =
-        preferences.customSaveFolder().value_or(QStringLiteral("~/Desktop"));
+    const QString folder = preferences.customSaveFolder().value_or(QStringLiteral("~/Desktop"));
     saveFolder_->setText(folder);
     saveFolder_->setAccessibleName(QStringLiteral("Save to ") + folder);
 }

@@ -4,8 +4,6 @@
 // The settings window over real stores in a temporary folder, the real
 // notification service of the virtual desktop and real files: the autostart
 // entry, the copied tray icon, shelf folders.
-#include "settings/settings_window_controller.h"
-
 #include <QAccessible>
 #include <QCheckBox>
 #include <QClipboard>
@@ -33,6 +31,7 @@
 #include "settings/rename_shelf_sheet.h"
 #include "settings/settings_group.h"
 #include "settings/settings_view.h"
+#include "settings/settings_window_controller.h"
 #include "settings/shelves_settings_view.h"
 #include "settings/storage_settings_view.h"
 #include "storage/shelf_store.h"
@@ -69,14 +68,23 @@ private Q_SLOTS:
         library_ = std::make_unique<TemporaryLibrary>();
         shelves_ = std::make_unique<ShelfStore>(library_->path("shelves"), library_->path("old"),
                                                 library_->settings, library_->desktop());
-        autostart_ = std::make_unique<AutostartEntry>(
-            library_->path("config/autostart/quillix.desktop"),
-            library_->path("Quillix app/bin/quillix"));
+        autostart_ =
+            std::make_unique<AutostartEntry>(library_->path("config/autostart/quillix.desktop"),
+                                             library_->path("Quillix app/bin/quillix"));
         pauses_ = resumes_ = 0;
-        controller_ = std::make_unique<SettingsWindowController>(SettingsServices{
-            library_->preferences, library_->settings, *shelves_, layout_, notifier_, *autostart_,
-            library_->path("data/icons"), [] { return true; }, [] { return true; },
-            [this] { ++pauses_; }, [this] { ++resumes_; }, {}});
+        controller_ = std::make_unique<SettingsWindowController>(
+            SettingsServices{library_->preferences,
+                             library_->settings,
+                             *shelves_,
+                             layout_,
+                             notifier_,
+                             *autostart_,
+                             library_->path("data/icons"),
+                             [] { return true; },
+                             [] { return true; },
+                             [this] { ++pauses_; },
+                             [this] { ++resumes_; },
+                             {}});
         controller_->show();
         QVERIFY(QTest::qWaitForWindowExposed(controller_->window()));
     }
@@ -137,8 +145,8 @@ private Q_SLOTS:
         general.launchAtLoginToggle()->click();
         QVERIFY(library_->preferences.launchAtLogin());
         const QString entry = readFile(autostart_->path());
-        QVERIFY(entry.contains(QStringLiteral("Exec=\"") + library_->path("Quillix app/bin/quillix") +
-                               QLatin1Char('"')));
+        QVERIFY(entry.contains(QStringLiteral("Exec=\"") +
+                               library_->path("Quillix app/bin/quillix") + QLatin1Char('"')));
         const QString validator = QStandardPaths::findExecutable("desktop-file-validate");
         if (!validator.isEmpty()) {
             QProcess validate;
@@ -157,7 +165,8 @@ private Q_SLOTS:
         const bool showOnly = library_->settings.showOnlyQuillixItems();
         general.onlyQuillixToggle()->click();
         QCOMPARE(library_->settings.showOnlyQuillixItems(), !showOnly);
-        QCOMPARE(UserSettings(library_->path("data/Quillix"), {}).showOnlyQuillixItems(), !showOnly);
+        QCOMPARE(UserSettings(library_->path("data/Quillix"), {}).showOnlyQuillixItems(),
+                 !showOnly);
         QCOMPARE(general.onlyQuillixCaption()->text().startsWith(QStringLiteral("All PNG, MP4")),
                  showOnly);
 
