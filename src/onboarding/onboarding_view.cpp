@@ -4,7 +4,7 @@
 #include "onboarding/onboarding_view.h"
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
+#include <QShortcut>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -55,6 +55,17 @@ OnboardingView::OnboardingView(const Hooks& hooks, QWidget* parent) : QWidget(pa
 
     stage_->showSlide(0);
     showControls();
+
+    // Shortcuts rather than key handling: the buttons would take the arrow
+    // keys for moving the focus first.
+    auto* left = new QShortcut(QKeySequence(Qt::Key_Left), this, this, &OnboardingView::goBack);
+    left->setContext(Qt::WidgetWithChildrenShortcut);
+    auto* right = new QShortcut(QKeySequence(Qt::Key_Right), this, this, [this] {
+        if (slide() < totalSlides - 1) {
+            goForward();
+        }
+    });
+    right->setContext(Qt::WidgetWithChildrenShortcut);
 }
 
 void OnboardingView::addSlides(const Hooks& hooks) {
@@ -170,19 +181,4 @@ void OnboardingView::showControls() {
     forwardButton_->setAccessibleName(last ? QStringLiteral("Done") : QStringLiteral("Next"));
     forwardButton_->setToolTip(forwardButton_->accessibleName());
     dots_->setCurrent(slide());
-}
-
-void OnboardingView::keyPressEvent(QKeyEvent* event) {
-    switch (event->key()) {
-        case Qt::Key_Left:
-            goBack();
-            break;
-        case Qt::Key_Right:
-            if (slide() < totalSlides - 1) {
-                goForward();
-            }
-            break;
-        default:
-            QWidget::keyPressEvent(event);
-    }
 }

@@ -50,9 +50,6 @@ Q_SIGNALS:
     void dismissRequested();
     void slideChanged(int index);
 
-protected:
-    void keyPressEvent(QKeyEvent* event) override;
-
 private:
     void addSlides(const Hooks& hooks);
     QWidget* makeBottomBar();

@@ -21,6 +21,8 @@ PrimaryButton::PrimaryButton(const QString& text, QWidget* parent) : QPushButton
     setAccessibleName(text);
     setFont(widget_style::font(font(), kTextPixels, QFont::DemiBold));
     setCursor(Qt::PointingHandCursor);
+    // Repainted as the pointer comes and goes, for the hover shade.
+    setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::StrongFocus);
 }
 

@@ -23,6 +23,8 @@ SymbolButton::SymbolButton(const QString& symbol, int symbolSize, const QString&
     setToolTip(accessibleName);
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
+    // Repainted as the pointer comes and goes, for the hover shade.
+    setAttribute(Qt::WA_Hover);
     setFont(widget_style::font(font(), kWordPixels, QFont::DemiBold));
 }
 

@@ -110,6 +110,11 @@ private Q_SLOTS:
         showWindow();
         view().goToSlide(2);
         expectDismissedBy([this] { controller_->window()->close(); });
+        // And so is Escape, wherever the keyboard is.
+        cleanup();
+        init();
+        showWindow();
+        expectDismissedBy([] { QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape); });
     }
 
     void backOnTheFirstSlideIsDimmedAndDoesNothing() {
@@ -123,6 +128,11 @@ private Q_SLOTS:
         QVERIFY(back->isEnabled());
         QCOMPARE(back->symbolOpacity(), 0.5);
         QTest::mouseClick(back, Qt::LeftButton);
+        QCOMPARE(view().slide(), 0);
+        // The arrow keys turn the slides too.
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Right);
+        QCOMPARE(view().slide(), 1);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Left);
         QCOMPARE(view().slide(), 0);
     }
 
