@@ -54,7 +54,7 @@ private:
 }  // namespace
 
 PageDots::PageDots(int count, QWidget* parent) : QWidget(parent) {
-    setAccessibleName(QStringLiteral("Slides"));
+    setAccessibleName(QStringLiteral("Slide position"));
     for (int index = 0; index < count; ++index) {
         auto* dot = new PageDot(this);
         dot->setAccessibleName(QStringLiteral("Slide %1 of %2").arg(index + 1).arg(count));

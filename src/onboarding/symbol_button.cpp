@@ -5,6 +5,7 @@
 
 #include <QPainter>
 #include <QPainterPath>
+#include <algorithm>
 
 #include "widgets/symbol_icon.h"
 #include "widgets/widget_style.h"
