@@ -20,6 +20,7 @@
 #include "gallery/hud_window_controller.h"
 #include "gallery/menu_bar_view.h"
 #include "gallery/pill_panel.h"
+#include "onboarding/onboarding_window_controller.h"
 #include "library/screenshot_store.h"
 #include "platform/autostart_entry.h"
 #include "platform/click_monitor.h"
@@ -65,10 +66,7 @@ AppDelegate::~AppDelegate() {
 void AppDelegate::applicationDidFinishLaunching() {
     buildTrayIcon();
     buildPopover();
-    if (!Preferences::shared().hasSeenOnboarding()) {
-        qCInfo(lcApp).noquote() << QStringLiteral(
-            "Quillix: first run; the welcome slides come in a later version");
-    }
+    showOnboardingAtFirstRun();
     runCleanUpAtLaunch();
     setUpHotkeys();
     setUpNotifications();
@@ -312,6 +310,21 @@ void AppDelegate::showShelves() {
             &AppDelegate::openPreview);
     }
     shelfWindow_->present();
+}
+
+void AppDelegate::showOnboardingAtFirstRun() {
+    if (Preferences::shared().hasSeenOnboarding()) {
+        return;
+    }
+    onboarding_ = new OnboardingWindowController(
+        OnboardingWindowController::Dependencies{
+            Preferences::shared(),
+            [] { return PlatformServices::instance().screenCaptureGranted(); },
+            // No desktop has a settings page for screen capture on X11.
+            {}},
+        this);
+    connect(onboarding_, &OnboardingWindowController::closed, onboarding_, &QObject::deleteLater);
+    onboarding_->show();
 }
 
 void AppDelegate::showSettings() {

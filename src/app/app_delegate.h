@@ -13,6 +13,7 @@ class ClearScreenStarter;
 class HotKeyManager;
 class HUDWindowController;
 class MenuBarView;
+class OnboardingWindowController;
 class ScreenshotItem;
 class PillPanel;
 class PopoverWindow;
@@ -79,6 +80,7 @@ private:
     static void openPreview(const ScreenshotItem& item);
     void showShelves();
     void showSettings();
+    void showOnboardingAtFirstRun();
     void pauseHotkeys();
     void resumeHotkeys();
 
@@ -97,4 +99,6 @@ private:
     quint64 hotkeyPauses_ = 0;  // counts pauseHotkeys() calls
     QPointer<ClearScreenStarter> pendingStart_;
     QPointer<HUDWindowController> hud_;
+    // Kept while the welcome slides are shown.
+    QPointer<OnboardingWindowController> onboarding_;
 };
