@@ -3,6 +3,7 @@
 
 #include "settings/settings_page.h"
 
+#include <QFileDialog>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -40,4 +41,15 @@ void SettingsPage::addWidget(QWidget* widget) {
 
 void SettingsPage::finish() {
     layout_->addStretch(1);
+}
+
+void SettingsPage::chooseFolder(const QString& title, std::function<void(const QString&)> chosen) {
+    auto* dialog = new QFileDialog(window(), title);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    dialog->setLabelText(QFileDialog::Accept, QStringLiteral("Select"));
+    dialog->setAccessibleName(title);
+    connect(dialog, &QFileDialog::fileSelected, this, std::move(chosen));
+    dialog->open();
 }

@@ -5,6 +5,7 @@
 
 #include <QScrollArea>
 #include <QString>
+#include <functional>
 
 class QVBoxLayout;
 class SettingsGroup;
@@ -21,6 +22,10 @@ public:
     void addWidget(QWidget* widget);
     // Ends the column: what follows the last group stays at the top.
     void finish();
+
+    // Asks for one folder in a dialog over the window, whose accept button
+    // reads "Select"; `chosen` gets the folder's path.
+    void chooseFolder(const QString& title, std::function<void(const QString&)> chosen);
 
 private:
     QWidget* column_ = nullptr;

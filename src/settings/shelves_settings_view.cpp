@@ -5,7 +5,6 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -82,7 +81,10 @@ void ShelvesSettingsView::addLocationGroup() {
     layout->addWidget(defaultLocation_);
     layout->addWidget(select);
     group->addLabelledRow(QStringLiteral("New shelves location"), trailing);
-    connect(select, &QPushButton::clicked, this, &ShelvesSettingsView::openFolderDialog);
+    connect(select, &QPushButton::clicked, this, [this] {
+        chooseFolder(QStringLiteral("Select Shelves Location"),
+                     [this](const QString& folder) { chooseDefaultLocation(folder); });
+    });
     showDefaultLocation();
 }
 
@@ -90,17 +92,6 @@ void ShelvesSettingsView::showDefaultLocation() {
     const QString location = withTilde(services_.shelves.defaultParentFolder());
     defaultLocation_->setText(location);
     defaultLocation_->setAccessibleName(QStringLiteral("New shelves location ") + location);
-}
-
-void ShelvesSettingsView::openFolderDialog() {
-    auto* dialog = new QFileDialog(window(), QStringLiteral("Select Shelves Location"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(QFileDialog::Directory);
-    dialog->setOption(QFileDialog::ShowDirsOnly);
-    dialog->setLabelText(QFileDialog::Accept, QStringLiteral("Select"));
-    dialog->setAccessibleName(QStringLiteral("Select Shelves Location"));
-    connect(dialog, &QFileDialog::fileSelected, this, &ShelvesSettingsView::chooseDefaultLocation);
-    dialog->open();
 }
 
 void ShelvesSettingsView::chooseDefaultLocation(const QString& folder) {

@@ -48,7 +48,6 @@ private:
     QWidget* makeShelfRow(const ShelfItem& shelf);
     QMenu* makeRowMenu(const ShelfItem& shelf, QWidget* owner);
     void countItems(const ShelfItem& shelf, QLabel* label);
-    void openFolderDialog();
 
     SettingsServices services_;
     QLabel* defaultLocation_ = nullptr;

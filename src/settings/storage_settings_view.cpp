@@ -3,7 +3,6 @@
 
 #include "settings/storage_settings_view.h"
 
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -39,7 +38,10 @@ StorageSettingsView::StorageSettingsView(const SettingsServices& services, QWidg
     layout->addWidget(saveFolder_);
     layout->addWidget(select);
     location->addLabelledRow(QStringLiteral("Save to"), trailing);
-    connect(select, &QPushButton::clicked, this, &StorageSettingsView::openFolderDialog);
+    connect(select, &QPushButton::clicked, this, [this] {
+        chooseFolder(QStringLiteral("Select Save Folder"),
+                     [this](const QString& folder) { chooseSaveFolder(folder); });
+    });
     finish();
 
     showValues();
@@ -53,17 +55,6 @@ void StorageSettingsView::showValues() {
     const QString folder = preferences.customSaveFolder().value_or(QStringLiteral("~/Desktop"));
     saveFolder_->setText(folder);
     saveFolder_->setAccessibleName(QStringLiteral("Save to ") + folder);
-}
-
-void StorageSettingsView::openFolderDialog() {
-    auto* dialog = new QFileDialog(window(), QStringLiteral("Select Save Folder"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(QFileDialog::Directory);
-    dialog->setOption(QFileDialog::ShowDirsOnly);
-    dialog->setLabelText(QFileDialog::Accept, QStringLiteral("Select"));
-    dialog->setAccessibleName(QStringLiteral("Select Save Folder"));
-    connect(dialog, &QFileDialog::fileSelected, this, &StorageSettingsView::chooseSaveFolder);
-    dialog->open();
 }
 
 void StorageSettingsView::chooseSaveFolder(const QString& folder) {

@@ -29,7 +29,6 @@ public:
 
 private:
     void showValues();
-    void openFolderDialog();
 
     SettingsServices services_;
     SettingsStepper* maxScreenshots_ = nullptr;
