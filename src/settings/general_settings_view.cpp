@@ -73,6 +73,20 @@ GeneralSettingsView::GeneralSettingsView(const SettingsServices& services, QWidg
     finish();
     connect(&services_.notifier, &Notifier::authorisationChanged, this,
             &GeneralSettingsView::refreshPermissions);
+    connect(&services_.preferences, &Preferences::valueChanged, this,
+            &GeneralSettingsView::showPreferences);
+}
+
+void GeneralSettingsView::showPreferences() {
+    const Preferences& preferences = services_.preferences;
+    const auto show = [](QCheckBox* toggle, bool checked) {
+        const QSignalBlocker quiet(toggle);
+        toggle->setChecked(checked);
+    };
+    show(launchAtLogin_, preferences.launchAtLogin());
+    show(showHUD_, preferences.showHUDOnCapture());
+    show(checkForUpdates_, preferences.checkForUpdatesAutomatically());
+    showAutoDismiss();
 }
 
 void GeneralSettingsView::addBehaviourGroup() {

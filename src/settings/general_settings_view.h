@@ -61,6 +61,8 @@ private:
     void showOnlyQuillixCaption();
     void showAutoDismiss();
     void showCustomIcon();
+    // Shows what the preferences hold now (another part may have changed them).
+    void showPreferences();
     void openIconDialog();
     void openNotificationSettings();
 
