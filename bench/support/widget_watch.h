@@ -12,7 +12,12 @@
 // Counts the paints of a widget.
 class PaintWatch : public QObject {
 public:
-    explicit PaintWatch(QWidget* widget) : QObject(widget) { widget->installEventFilter(this); }
+    // Watches `widget`; with none, install it as a filter where it should watch.
+    explicit PaintWatch(QWidget* widget) : QObject(widget) {
+        if (widget != nullptr) {
+            widget->installEventFilter(this);
+        }
+    }
 
     int paints = 0;
 
