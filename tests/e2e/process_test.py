@@ -220,6 +220,7 @@ class CommandLine(unittest.TestCase):
         self.addCleanup(home.cleanup)
         env = {name: value for name, value in home.env.items()
                if name not in ("DISPLAY", "DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY")}
+        config_before = files_under(home.config)
 
         def run(*arguments):
             return subprocess.run([quillix_session.BINARY, *arguments], env=env,
@@ -237,7 +238,17 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(len(refused.stderr.splitlines()), 1, refused.stderr)
             self.assertIn(f"'{arguments[-1]}'", refused.stderr)
         self.assertEqual(os.listdir(home.data), [])
-        self.assertEqual(os.listdir(home.config), ["user-dirs.dirs"])
+        self.assertEqual(files_under(home.config), config_before)
+
+
+def files_under(folder):
+    """Every file below `folder` with its contents."""
+    found = {}
+    for parent, _, names in os.walk(folder):
+        for name in names:
+            with open(os.path.join(parent, name), "rb") as file:
+                found[os.path.join(parent, name)] = file.read()
+    return found
 
 
 if __name__ == "__main__":
