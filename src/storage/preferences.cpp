@@ -135,6 +135,14 @@ void Preferences::setCustomSaveFolder(const std::optional<QString>& folder) {
     }
 }
 
+QString Preferences::appcastURL() const {
+    return settings_.value(QLatin1String(Key::appcastURL)).toString();
+}
+
+QString Preferences::updateCAFile() const {
+    return settings_.value(QLatin1String(Key::updateCAFile)).toString();
+}
+
 bool Preferences::hasSeenOnboarding() const {
     return settings_.value(QLatin1String(kHasSeenOnboarding), false).toBool();
 }

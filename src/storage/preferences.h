@@ -34,6 +34,8 @@ public:
         static constexpr const char* autoClearDays = "autoClearDays";
         static constexpr const char* customSaveFolder = "customSaveFolder";
         static constexpr const char* hasSeenOnboarding = "hasSeenOnboarding";
+        static constexpr const char* appcastURL = "appcastURL";
+        static constexpr const char* updateCAFile = "updateCAFile";
     };
 
     // Declared defaults, as the settings views show them.
@@ -78,6 +80,11 @@ public:
 
     bool hasSeenOnboarding() const;
     void setHasSeenOnboarding(bool seen);
+
+    // A private mirror's update feed; empty means the built-in address.
+    QString appcastURL() const;
+    // A PEM file of extra certificate authorities trusted for updates.
+    QString updateCAFile() const;
 
     // The remembered position and size of the window saved under `name`
     // (QWidget::saveGeometry()); empty when none was saved.
