@@ -140,8 +140,11 @@ void UpdateToastController::dismiss() {
         return;
     }
     dismissed_ = true;
-    delete dismissTimer_;
-    dismissTimer_ = nullptr;
+    if (dismissTimer_ != nullptr) {
+        // It may be the timer that called: stop it, it goes with the controller.
+        dismissTimer_->stop();
+        dismissTimer_ = nullptr;
+    }
     if (shownToast() == this) {
         shownToast() = nullptr;
     }

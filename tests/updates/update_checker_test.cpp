@@ -123,6 +123,7 @@ void UpdateCheckerTest::reportsEachOutcomeOnlyWhereItShould_data() {
     QTest::newRow("no downloadURL, asked") << broken << true << true << "failed";
     QTest::newRow("server gone, asked") << refused << true << true << "failed";
     QTest::newRow("server gone, automatic") << refused << true << false << "";
+    QTest::newRow("no answer in 15 s, asked") << "/hang/appcast.json" << true << true << "failed";
     QTest::newRow("untrusted certificate, asked") << newer << false << true << "failed";
 }
 

@@ -9,48 +9,41 @@
 
 namespace {
 
-bool newer(const char* candidate, const char* running) {
-    return isNewerVersion(QString::fromUtf8(candidate), QString::fromUtf8(running));
-}
+struct Case {
+    const char* candidate;
+    const char* running;
+    bool newer;
+};
 
-TEST(VersionCompare, DigitRunsCompareAsNumbers) {
-    EXPECT_TRUE(newer("1.10", "1.9"));
-    EXPECT_FALSE(newer("1.9", "1.10"));
-    EXPECT_TRUE(newer("2.0", "1.99"));
-    EXPECT_TRUE(newer("1.2.10", "1.2.9"));
-    EXPECT_FALSE(newer("1.007", "1.7"));
-    EXPECT_FALSE(newer("1.7", "1.007"));
-}
-
-TEST(VersionCompare, LongerTextWithTheSamePrefixIsNewer) {
-    EXPECT_TRUE(newer("1.2.0", "1.2"));
-    EXPECT_FALSE(newer("1.2", "1.2.0"));
-    EXPECT_TRUE(newer("1.0b", "1.0"));
-}
-
-TEST(VersionCompare, EqualTextsAreNotNewer) {
-    EXPECT_FALSE(newer("1.4", "1.4"));
-    EXPECT_FALSE(newer("", ""));
-    EXPECT_EQ(compareVersions(QStringLiteral("1.4"), QStringLiteral("1.4")), 0);
-}
-
-TEST(VersionCompare, OtherCharactersCompareByCode) {
-    EXPECT_TRUE(newer("1.0b", "1.0a"));
-    EXPECT_TRUE(newer("a", "1"));             // 'a' has a higher code than '1'
-    EXPECT_FALSE(newer("1-beta", "1.beta"));  // '-' sorts before '.'
-}
-
-TEST(VersionCompare, AnyVersionAboveZeroIsNewerThanAMissingOne) {
-    EXPECT_TRUE(newer("1.0", "0"));
-    EXPECT_FALSE(newer("0.0", "0.1"));
-}
-
-TEST(VersionCompare, HugeNumbersDoNotOverflow) {
+TEST(VersionCompare, NumbersByValueOtherCharactersByCodeShorterPrefixSmaller) {
     const char* huge = "1.123456789012345678901234567890";
-    EXPECT_TRUE(newer(huge, "1.99999999999999999999"));
-    EXPECT_FALSE(newer("1.99999999999999999999", huge));
-    EXPECT_TRUE(newer("1.123456789012345678901234567891", huge));
-    EXPECT_FALSE(newer("1.000000000000000000000000000000000000005", "1.5"));
+    const Case cases[] = {
+        {"1.10", "1.9", true},
+        {"1.9", "1.10", false},
+        {"2.0", "1.99", true},
+        {"1.2.0", "1.2", true},
+        {"1.2", "1.2.0", false},
+        {"1.4", "1.4", false},
+        {"", "", false},
+        {"1.007", "1.7", false},
+        {"1.7", "1.007", false},
+        {"1.0b", "1.0a", true},
+        {"1.0b", "1.0", true},
+        {"a", "1", true},
+        {"1-beta", "1.beta", false},  // '-' has a lower code than '.'
+        {"1.0", "0", true},
+        {"0.0", "0.1", false},
+        // Digit runs longer than any integer type.
+        {huge, "1.99999999999999999999", true},
+        {"1.99999999999999999999", huge, false},
+        {"1.123456789012345678901234567891", huge, true},
+        {"1.000000000000000000000000000000000000005", "1.5", false},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(isNewerVersion(QString::fromUtf8(c.candidate), QString::fromUtf8(c.running)),
+                  c.newer)
+            << c.candidate << " against " << c.running;
+    }
 }
 
 }  // namespace
