@@ -25,8 +25,8 @@ std::function<void(const AppcastRelease&)>& installAction() {
     return action;
 }
 
-// A window-modal-free alert that does not block the event loop, so the
-// tray and timers go on while it is up.
+// An alert that does not block in a nested event loop: the tray, timers
+// and other checks go on while it is up.
 void showAlert(QMessageBox::Icon icon, const QString& title, const QString& message) {
     auto* box = new QMessageBox(icon, title, message, QMessageBox::Ok);
     box->setAttribute(Qt::WA_DeleteOnClose);
@@ -94,7 +94,7 @@ void UpdateChecker::start() {
     if (!preferences_.checkForUpdatesAutomatically()) {
         return;
     }
-    // Both are children of the checker: they end with it.
+    // Both are bound to the checker and end with it.
     QTimer::singleShot(firstCheckDelayMs_, this, [this] { check(false); });
     timer_ = new QTimer(this);
     timer_->setInterval(kCheckIntervalMs);
