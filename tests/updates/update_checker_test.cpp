@@ -6,6 +6,9 @@
 
 #include "updates/update_checker.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMessageBox>
 #include <QNetworkAccessManager>
 #include <QProcess>
 #include <QSettings>
@@ -21,6 +24,15 @@ namespace {
 
 const QString kRunning = QStringLiteral("1.4");
 
+QMessageBox* shownAlert() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (auto* box = qobject_cast<QMessageBox*>(window); box != nullptr && box->isVisible()) {
+            return box;
+        }
+    }
+    return nullptr;
+}
+
 }  // namespace
 
 class UpdateCheckerTest : public QObject {
@@ -33,6 +45,7 @@ private Q_SLOTS:
     void reportsEachOutcomeOnlyWhereItShould();
     void startWithAutomaticChecksOffNeverAsks();
     void startChecksSoonAndKeepsChecking();
+    void theProgramsCheckerAlertsWithoutBlocking();
 
 private:
     // A checker reading a Quillix.conf with the given keys; every outcome
@@ -164,6 +177,24 @@ void UpdateCheckerTest::startChecksSoonAndKeepsChecking() {
     QTRY_COMPARE_WITH_TIMEOUT(outcomes_, QStringList{QStringLiteral("offer 1.5")}, 20000);
     QVERIFY(checker->scheduled());
     QCOMPARE(requests().constLast(), QStringLiteral("/newer/appcast.json"));
+}
+
+void UpdateCheckerTest::theProgramsCheckerAlertsWithoutBlocking() {
+    qputenv("XDG_CONFIG_HOME", dir_.filePath(QStringLiteral("config")).toUtf8());
+    QSettings settings(dir_.filePath(QStringLiteral("config/Quillix/Quillix.conf")),
+                       QSettings::IniFormat);
+    settings.setValue(QStringLiteral("appcastURL"),
+                      QStringLiteral("https://127.0.0.1:%1/missing/appcast.json").arg(port_));
+    settings.sync();
+    UpdateChecker::shared().check(true);
+    QTRY_VERIFY_WITH_TIMEOUT(shownAlert() != nullptr, 20000);
+    QMessageBox* alert = shownAlert();
+    QCOMPARE(alert->windowTitle(), QStringLiteral("Update Check Failed"));
+    QCOMPARE(alert->accessibleName(), QStringLiteral("Update Check Failed"));
+    QCOMPARE(alert->text(), QStringLiteral("Could not reach the update server. Please check "
+                                           "your internet connection."));
+    alert->button(QMessageBox::Ok)->click();
+    QTRY_VERIFY(shownAlert() == nullptr);
 }
 
 QTEST_MAIN(UpdateCheckerTest)
