@@ -6,14 +6,17 @@
 
 #include "updates/update_installer.h"
 
+#include <QApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QLabel>
+#include <QPointer>
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
+#include <algorithm>
 #include <memory>
 
 #include "storage/preferences.h"
@@ -164,6 +167,21 @@ private Q_SLOTS:
         QCOMPARE(fileText(started), QByteArray("1.1.0\n"));
         QVERIFY(fileText(run->appFolder + QStringLiteral("/bin/quillix")).contains("echo 1.1.0"));
         QTRY_VERIFY(!QFile::exists(run->dir.filePath(QStringLiteral("tmp/quillix-update.sh"))));
+    }
+
+    void aSecondInstallReplacesThePanel() {
+        auto run = makeRun(QStringLiteral("T1"));
+        const AppcastRelease missing{QStringLiteral("1.1.0"), base_ + "missing.zip", {}, {}};
+        run->installer->install(missing);
+        const QPointer<DownloadProgressPanel> first = run->installer->progressPanel();
+        run->installer->install(missing);
+        QTRY_VERIFY(first.isNull());
+        QVERIFY(run->installer->progressPanel() != nullptr);
+        QTRY_COMPARE_WITH_TIMEOUT(run->failures.size(), 2, 30000);
+        QTRY_VERIFY(run->installer->progressPanel() == nullptr);
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        QVERIFY(std::none_of(windows.begin(), windows.end(),
+                             [](const QWidget* window) { return window->isVisible(); }));
     }
 
     void failuresLeaveTheAppAsItWas_data() {
