@@ -28,6 +28,10 @@ else()
     set(quillix_system_only EXCLUDE_FROM_ALL)
 endif()
 
+# Installing and cpack only copy what a build made: cpack must not build the
+# whole tree (with every test) first. scripts/package builds before packing.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
+
 set(QUILLIX_PACKAGING_DIR ${PROJECT_SOURCE_DIR}/packaging)
 set(QUILLIX_METAINFO_ID io.github.quillix.Quillix)
 
