@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The Quillix developers
 
 # Debian packages the project needs, and a way to install the missing ones.
-# Sourced by scripts/run and scripts/test.
+# Sourced by scripts/run, scripts/test and scripts/package.
 
 BUILD_PACKAGES=(
     cmake g++ make pkg-config
@@ -24,7 +24,11 @@ DESKTOP_PACKAGES=(
     python3 python3-cryptography imagemagick ffmpeg
 )
 
-TEST_PACKAGES=(libgtest-dev at-spi2-core python3-pyatspi clang-format clang-tidy desktop-file-utils)
+# What scripts/package packs and checks with (the package.Layout test too).
+PACKAGE_PACKAGES=(dpkg-dev file binutils zip unzip lintian appstream desktop-file-utils)
+
+TEST_PACKAGES=(libgtest-dev at-spi2-core python3-pyatspi clang-format clang-tidy desktop-file-utils
+    "${PACKAGE_PACKAGES[@]}")
 
 # Installs whichever of the given packages are not installed yet.
 ensure_packages() {
