@@ -38,6 +38,8 @@
 #include "storage/screenshot_metadata_store.h"
 #include "storage/shelf_store.h"
 #include "storage/user_settings.h"
+#include "updates/update_checker.h"
+#include "updates/update_installer.h"
 #include "widgets/popover_placement.h"
 
 Q_LOGGING_CATEGORY(lcApp, "quillix.app")
@@ -70,6 +72,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     runCleanUpAtLaunch();
     setUpHotkeys();
     setUpNotifications();
+    setUpUpdates();
     // The first screen grab of a process sets up shared memory (50–80 ms):
     // pay for it now rather than on the first area capture.
     QTimer::singleShot(0, this, [] { AnnotationOverlayController::warmUp(); });
@@ -312,6 +315,12 @@ void AppDelegate::showShelves() {
     shelfWindow_->present();
 }
 
+void AppDelegate::setUpUpdates() {
+    UpdateChecker::setInstallAction(
+        [](const AppcastRelease& release) { UpdateInstaller::shared().install(release); });
+    UpdateChecker::shared().start();
+}
+
 void AppDelegate::showOnboardingAtFirstRun() {
     if (Preferences::shared().hasSeenOnboarding()) {
         return;
@@ -352,8 +361,7 @@ void AppDelegate::showSettings() {
                     self->resumeHotkeys();
                 }
             },
-            // This build cannot update itself yet.
-            {},
+            [] { UpdateChecker::shared().check(true); },
         };
         settingsWindow_ = std::make_unique<SettingsWindowController>(std::move(services));
         connect(settingsWindow_.get(), &SettingsWindowController::customBarIconChanged, this,

@@ -76,6 +76,7 @@ private:
     void runCleanUpAtLaunch();
     void setUpHotkeys();
     void setUpNotifications();
+    void setUpUpdates();
     void openNotifiedCapture(const QString& path);
     static void openPreview(const ScreenshotItem& item);
     void showShelves();

@@ -46,17 +46,25 @@ QString UpdateInstallJob::shellQuoted(QString text) {
     return QLatin1Char('\'') + text + QLatin1Char('\'');
 }
 
-QString UpdateInstallJob::scriptText(const QString& appFolder, const QString& newAppFolder) {
+QString UpdateInstallJob::scriptText(const QString& appFolder, const QString& newAppFolder,
+                                     qint64 quittingProcess) {
     const QString app = shellQuoted(appFolder);
     const QString program = shellQuoted(appFolder + QStringLiteral("/bin/quillix"));
+    const QString waitForQuit =
+        quittingProcess > 0 ? QStringLiteral(
+                                  "for attempt in $(seq 100); do kill -0 %1 2>/dev/null || break; "
+                                  "sleep 0.1; done\n")
+                                  .arg(quittingProcess)
+                            : QString();
     return QStringLiteral(
                "#!/bin/bash\n"
                "sleep 1\n"
+               "%4"
                "rm -rf -- %1\n"
                "cp -R -- %2 %1\n"
                "setsid %3 >/dev/null 2>&1 < /dev/null &\n"
                "rm -- \"$0\"")
-        .arg(app, shellQuoted(newAppFolder), program);
+        .arg(app, shellQuoted(newAppFolder), program, waitForQuit);
 }
 
 std::optional<QString> UpdateInstallJob::run() const {
@@ -130,7 +138,8 @@ std::optional<QString> UpdateInstallJob::startScript(const QString& newAppFolder
     const QString scriptPath = QDir(tempFolder).filePath(QStringLiteral("quillix-update.sh"));
     QSaveFile script(scriptPath);
     if (!script.open(QIODevice::WriteOnly) ||
-        script.write(scriptText(runningAppFolder, newAppFolder).toUtf8()) < 0 || !script.commit()) {
+        script.write(scriptText(runningAppFolder, newAppFolder, quittingProcess).toUtf8()) < 0 ||
+        !script.commit()) {
         return script.errorString();
     }
     QFile permissions(scriptPath);

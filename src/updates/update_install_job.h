@@ -17,6 +17,10 @@ struct UpdateInstallJob {
     std::optional<QString> sha256;
     QString tempFolder;
     QString runningAppFolder;  // empty when not running from a Quillix.app
+    // The program's process, which the script waits for (at most 10 s)
+    // before it replaces anything: the new copy must not meet the old one
+    // still running. 0 waits for nothing.
+    qint64 quittingProcess = 0;
 
     // The reason it failed (shown after "Install failed: "), or nothing once
     // the script is running and the program should quit.
@@ -24,7 +28,8 @@ struct UpdateInstallJob {
 
     // The bash script that waits for the program to quit, replaces appFolder
     // with newAppFolder, starts the new program and deletes itself.
-    static QString scriptText(const QString& appFolder, const QString& newAppFolder);
+    static QString scriptText(const QString& appFolder, const QString& newAppFolder,
+                              qint64 quittingProcess = 0);
     // text as one bash word, whatever characters it holds.
     static QString shellQuoted(QString text);
 

@@ -45,7 +45,7 @@ bool isUsableDownloadURL(const QUrl& url) {
 
 UpdateInstaller::Environment UpdateInstaller::Environment::program() {
     return {appFolderOfThisProgram(), QDir::tempPath(), [] { QCoreApplication::quit(); },
-            showFailureAlert};
+            showFailureAlert, QCoreApplication::applicationPid()};
 }
 
 UpdateInstaller& UpdateInstaller::shared() {
@@ -129,7 +129,7 @@ void UpdateInstaller::downloadFinished(QNetworkReply* reply, QTemporaryFile* arc
     qCInfo(lcUpdateInstall).noquote()
         << "Quillix: update" << release.version << "downloaded to" << archive->fileName();
     runInstall({archive->fileName(), release.version, release.sha256, environment_.tempFolder,
-                environment_.runningAppFolder});
+                environment_.runningAppFolder, environment_.quittingProcess});
 }
 
 void UpdateInstaller::runInstall(const UpdateInstallJob& job) {

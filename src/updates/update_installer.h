@@ -35,6 +35,8 @@ public:
         QString tempFolder;
         std::function<void()> quit;
         std::function<void(const QString& title, const QString& text)> showFailure;
+        // The process the install script waits for; 0 for none.
+        qint64 quittingProcess = 0;
 
         static Environment program();
     };

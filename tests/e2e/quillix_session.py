@@ -82,16 +82,20 @@ class FreshHome:
             "XDG_STATE_HOME": os.path.join(self.home, ".local", "state"),
             "XDG_RUNTIME_DIR": runtime,
         })
-        if not first_run:
-            self.write_preferences()
+        self.first_run = first_run
+        self.write_preferences()
 
     @property
     def preferences_path(self):
         return os.path.join(self.config, "Quillix", "Quillix.conf")
 
     def write_preferences(self, **values):
-        """Quillix.conf holding `values`, the welcome slides counted as seen."""
-        values.setdefault("hasSeenOnboarding", "true")
+        """Quillix.conf holding `values`, the welcome slides counted as seen
+        and no automatic update checks."""
+        if not self.first_run:
+            values.setdefault("hasSeenOnboarding", "true")
+        # No test reaches out to the real update feed.
+        values.setdefault("checkForUpdatesAutomatically", "false")
         os.makedirs(os.path.dirname(self.preferences_path), exist_ok=True)
         with open(self.preferences_path, "w") as conf:
             conf.write("[General]\n")
