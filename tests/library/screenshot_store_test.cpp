@@ -233,6 +233,8 @@ TEST_F(ScreenshotStoreTest, AutoClearTrashesOnlyListedItemsOlderThanTheCutoff) {
     writePng(desktop("beyond-limit.png"));
     pauseBetweenFileTimes();
     writePng(desktop("old-1.png"));
+    // Written in the same clock tick, the two would tie and list in either order.
+    pauseBetweenFileTimes();
     writePng(screenshots("old-2.png"));
     pauseBetweenFileTimes();
     const QDateTime between = QDateTime::currentDateTimeUtc();
