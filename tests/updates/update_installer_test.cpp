@@ -126,7 +126,8 @@ private Q_SLOTS:
         garbage.close();
         server_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         server_.start(QStringLiteral("/usr/bin/python3"),
-                      {QStringLiteral(QUILLIX_UPDATE_SERVER), served_.path(), certificate_.path()});
+                      {QStringLiteral(QUILLIX_TESTS_DIR "/updates/https_server.py"), served_.path(),
+                       certificate_.filePath("cert.pem"), certificate_.filePath("requests.log")});
         QVERIFY(server_.waitForReadyRead(30000));
         base_ = QStringLiteral("https://127.0.0.1:%1/")
                     .arg(QString::fromLatin1(server_.readLine().trimmed()));
