@@ -3,6 +3,8 @@
 
 #include "app/command_line.h"
 
+#include <QCoreApplication>
+
 CommandLine CommandLine::parse(const QStringList& arguments) {
     Action action = Action::run;
     for (const QString& argument : arguments) {
@@ -44,5 +46,5 @@ QString CommandLine::usage() {
 }
 
 QString CommandLine::version() {
-    return QStringLiteral("Quillix " QUILLIX_VERSION "\n");
+    return QStringLiteral("Quillix ") + QCoreApplication::applicationVersion() + QLatin1Char('\n');
 }

@@ -43,6 +43,7 @@ void handOverToRunningCopy() {
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    QCoreApplication::setApplicationVersion(QStringLiteral(QUILLIX_VERSION));
     // Answered before the application exists: no display, bus or data file.
     const CommandLine commandLine = CommandLine::parse(argumentsOf(argc, argv));
     if (commandLine.action() != CommandLine::Action::run) {
@@ -58,7 +59,6 @@ int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Quillix"));
     QApplication::setOrganizationName(QStringLiteral("Quillix"));
-    QApplication::setApplicationVersion(QStringLiteral(QUILLIX_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("quillix"));
     // A tray-resident program: closing its last window does not end it.
     QApplication::setQuitOnLastWindowClosed(false);

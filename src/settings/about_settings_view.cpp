@@ -3,6 +3,7 @@
 
 #include "settings/about_settings_view.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -11,7 +12,7 @@
 #include "widgets/widget_style.h"
 
 QString AboutSettingsView::version() {
-    return QStringLiteral(QUILLIX_VERSION);
+    return QCoreApplication::applicationVersion();
 }
 
 QString AboutSettingsView::websiteURL() {

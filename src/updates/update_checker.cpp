@@ -4,6 +4,7 @@
 #include "updates/update_checker.h"
 
 #include <QAbstractButton>
+#include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QMessageBox>
 #include <QNetworkAccessManager>
@@ -38,7 +39,7 @@ void showAlert(QMessageBox::Icon icon, const QString& title, const QString& mess
 }
 
 QString builtVersion() {
-    const QString version = QStringLiteral(QUILLIX_VERSION);
+    const QString version = QCoreApplication::applicationVersion();
     return version.isEmpty() ? QStringLiteral("0") : version;
 }
 
@@ -115,7 +116,8 @@ void UpdateChecker::finish(QNetworkReply* reply, bool userInitiated) {
     // feed document still counts.
     const bool answered = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
     if (reply->error() != QNetworkReply::NoError && !answered) {
-        qCInfo(lcUpdates).noquote() << "Quillix: update check failed:" << reply->errorString();
+        qCInfo(lcUpdates).noquote() << "Quillix: update check failed:"
+                                    << UpdateNetwork::errorText(*reply);
         present(std::nullopt, userInitiated);
         return;
     }

@@ -85,11 +85,6 @@ std::optional<QString> UpdateInstallJob::run() const {
     if (!newApp) {
         return appNotFound();
     }
-    if (runningAppFolder.isEmpty()) {
-        return QStringLiteral(
-            "Quillix was installed by your distribution's package manager; "
-            "update it there.");
-    }
     return startScript(*newApp);
 }
 

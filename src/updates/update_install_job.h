@@ -16,7 +16,7 @@ struct UpdateInstallJob {
     QString version;
     std::optional<QString> sha256;
     QString tempFolder;
-    QString runningAppFolder;  // empty when not running from a Quillix.app
+    QString runningAppFolder;
     // The program's process, which the script waits for (at most 10 s)
     // before it replaces anything: the new copy must not meet the old one
     // still running. 0 waits for nothing.

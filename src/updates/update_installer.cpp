@@ -44,7 +44,10 @@ bool isUsableDownloadURL(const QUrl& url) {
 }  // namespace
 
 UpdateInstaller::Environment UpdateInstaller::Environment::program() {
-    return {appFolderOfThisProgram(), QDir::tempPath(), [] { QCoreApplication::quit(); },
+    // exit(), not quit(): a window that animates its closing could veto
+    // quit(), and the install script would then replace the folder under a
+    // program that goes on running.
+    return {appFolderOfThisProgram(), QDir::tempPath(), [] { QCoreApplication::exit(0); },
             showFailureAlert, QCoreApplication::applicationPid()};
 }
 
@@ -72,6 +75,12 @@ void UpdateInstaller::install(const AppcastRelease& release) {
     const QUrl url(release.downloadURL, QUrl::StrictMode);
     if (!isUsableDownloadURL(url)) {
         fail(QStringLiteral("The download URL in the update is invalid."));
+        return;
+    }
+    // Told at once rather than after a download that could not be used.
+    if (environment_.runningAppFolder.isEmpty()) {
+        fail(QStringLiteral("Install failed: Quillix was installed by your distribution's "
+                            "package manager; update it there."));
         return;
     }
     showPanel(release.version);
@@ -115,8 +124,8 @@ void UpdateInstaller::downloadFinished(QNetworkReply* reply, QTemporaryFile* arc
     }
     if (reply->error() != QNetworkReply::NoError) {
         qCWarning(lcUpdateInstall).noquote()
-            << "Quillix: update download failed:" << reply->errorString();
-        fail(QStringLiteral("Download failed: ") + reply->errorString());
+            << "Quillix: update download failed:" << UpdateNetwork::errorText(*reply);
+        fail(QStringLiteral("Download failed: ") + UpdateNetwork::errorText(*reply));
         return;
     }
     const bool written =

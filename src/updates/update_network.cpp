@@ -3,6 +3,7 @@
 
 #include "updates/update_network.h"
 
+#include <QNetworkReply>
 #include <QSslCertificate>
 #include <QSslConfiguration>
 
@@ -26,4 +27,10 @@ QNetworkRequest UpdateNetwork::request(const QUrl& url, const Preferences& prefe
         request.setSslConfiguration(ssl);
     }
     return request;
+}
+
+QString UpdateNetwork::errorText(const QNetworkReply& reply) {
+    return reply.error() == QNetworkReply::OperationCanceledError
+               ? QStringLiteral("The request timed out.")
+               : reply.errorString();
 }

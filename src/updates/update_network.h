@@ -8,6 +8,7 @@
 #include <QUrl>
 
 class Preferences;
+class QNetworkReply;
 
 // Requests to the update feed and for its downloads: GET without the local
 // cache, 15 s transfer timeout, trusting the system's certificate
@@ -22,5 +23,10 @@ inline constexpr int kTimeoutMs = 15000;
 QUrl appcastURL(const Preferences& preferences);
 
 QNetworkRequest request(const QUrl& url, const Preferences& preferences);
+
+// What went wrong with a finished reply, in words for an alert. Nothing
+// aborts these requests but the transfer timeout, so a cancelled one is
+// said to have timed out.
+QString errorText(const QNetworkReply& reply);
 
 }  // namespace UpdateNetwork

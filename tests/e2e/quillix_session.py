@@ -489,6 +489,18 @@ def locate(name, timeout=10.0):
     return tuple(int(value) for value in text.split(","))
 
 
+def locate_settled(name, timeout=10.0):
+    """Like `locate`, once the control has stopped moving (a panel that
+    slides in)."""
+    previous = locate(name, timeout)
+    while True:
+        time.sleep(0.2)
+        current = locate(name, timeout)
+        if current == previous:
+            return current
+        previous = current
+
+
 def is_shown(name):
     reply = call_app("LocateControl", f"string:{name}")
     return bool(reply and reply[0])

@@ -65,6 +65,8 @@ private:
 
 private Q_SLOTS:
     void init() {
+        // The About page shows the version the program sets at start.
+        QCoreApplication::setApplicationVersion(QStringLiteral("4.5.6"));
         library_ = std::make_unique<TemporaryLibrary>();
         shelves_ = std::make_unique<ShelfStore>(library_->path("shelves"), library_->path("old"),
                                                 library_->settings, library_->desktop());
@@ -285,10 +287,9 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(!email->copied(), HelpContactRow::kCopiedMs + 1000);
 
         view().select(SettingsSection::about);
-        QVERIFY(!view().about()->findChildren<QLabel*>().isEmpty());
         const auto labels = view().about()->findChildren<QLabel*>();
         QVERIFY(std::any_of(labels.begin(), labels.end(), [](const QLabel* label) {
-            return label->text() == QStringLiteral("Version " QUILLIX_TEST_VERSION);
+            return label->text() == QStringLiteral("Version 4.5.6");
         }));
         QVERIFY(!view().about()->checkButton()->isEnabled());
     }

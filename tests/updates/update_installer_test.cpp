@@ -201,14 +201,17 @@ private Q_SLOTS:
             << install + "Could not find Quillix.app inside the downloaded archive.";
         QTest::newRow("not a zip") << "garbage.zip" << QString() << true
                                    << install + "Failed to unzip the downloaded update.";
+        // Said at once: the archive is never fetched.
         QTest::newRow("installed by the package manager")
-            << "good.zip" << QString() << false
+            << "unfetched.zip" << QString() << false
             << install +
                    "Quillix was installed by your distribution's package manager; "
                    "update it there.";
         QTest::newRow("404") << "missing.zip" << QString() << true
                              << "Update Failed: Download failed: Error transferring %1 - server "
                                 "replied: File not found";
+        QTest::newRow("no answer in 15 s") << "hang/update.zip" << QString() << true
+                                           << "Update Failed: Download failed: The request timed out.";
     }
 
     void failuresLeaveTheAppAsItWas() {
@@ -223,6 +226,9 @@ private Q_SLOTS:
                        {},
                        sha256.isEmpty() ? std::nullopt : std::optional<QString>(sha256)});
         QCOMPARE(run->failures, QStringList{alert.arg(base_ + url)});
+        if (!fromAppFolder) {
+            QVERIFY(!fileText(certificate_.filePath("requests.log")).contains(url.toUtf8()));
+        }
         QVERIFY(!run->quit);
         QVERIFY(run->installer->progressPanel() == nullptr);
         QTest::qWait(1500);  // a wrongly started script would have run by now
