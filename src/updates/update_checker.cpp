@@ -116,8 +116,8 @@ void UpdateChecker::finish(QNetworkReply* reply, bool userInitiated) {
     // feed document still counts.
     const bool answered = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
     if (reply->error() != QNetworkReply::NoError && !answered) {
-        qCInfo(lcUpdates).noquote() << "Quillix: update check failed:"
-                                    << UpdateNetwork::errorText(*reply);
+        qCInfo(lcUpdates).noquote()
+            << "Quillix: update check failed:" << UpdateNetwork::errorText(*reply);
         present(std::nullopt, userInitiated);
         return;
     }

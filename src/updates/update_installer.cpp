@@ -79,8 +79,9 @@ void UpdateInstaller::install(const AppcastRelease& release) {
     }
     // Told at once rather than after a download that could not be used.
     if (environment_.runningAppFolder.isEmpty()) {
-        fail(QStringLiteral("Install failed: Quillix was installed by your distribution's "
-                            "package manager; update it there."));
+        fail(
+            QStringLiteral("Install failed: Quillix was installed by your distribution's "
+                           "package manager; update it there."));
         return;
     }
     showPanel(release.version);

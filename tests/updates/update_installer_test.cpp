@@ -210,8 +210,9 @@ private Q_SLOTS:
         QTest::newRow("404") << "missing.zip" << QString() << true
                              << "Update Failed: Download failed: Error transferring %1 - server "
                                 "replied: File not found";
-        QTest::newRow("no answer in 15 s") << "hang/update.zip" << QString() << true
-                                           << "Update Failed: Download failed: The request timed out.";
+        QTest::newRow("no answer in 15 s")
+            << "hang/update.zip" << QString() << true
+            << "Update Failed: Download failed: The request timed out.";
     }
 
     void failuresLeaveTheAppAsItWas() {
