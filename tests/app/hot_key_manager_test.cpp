@@ -111,21 +111,21 @@ private:
     xcb_key_symbols_t* symbols_ = nullptr;
 };
 
-bool pressKeys(const char* combination) {
+bool xdotool(const char* command, const char* combination) {
     return QProcess::execute(QStringLiteral("xdotool"),
-                             {QStringLiteral("key"), QLatin1String(combination)}) == 0;
+                             {QLatin1String(command), QLatin1String(combination)}) == 0;
+}
+
+bool pressKeys(const char* combination) {
+    return xdotool("key", combination);
 }
 
 // Holds a combination down for `milliseconds` while events are processed;
 // the X server repeats the key meanwhile.
 bool holdKeys(const char* combination, int milliseconds) {
-    const bool pressed =
-        QProcess::execute(QStringLiteral("xdotool"),
-                          {QStringLiteral("keydown"), QLatin1String(combination)}) == 0;
+    const bool pressed = xdotool("keydown", combination);
     QTest::qWait(milliseconds);
-    return QProcess::execute(QStringLiteral("xdotool"),
-                             {QStringLiteral("keyup"), QLatin1String(combination)}) == 0 &&
-           pressed;
+    return xdotool("keyup", combination) && pressed;
 }
 
 xcb_connection_t* applicationConnection() {
