@@ -73,6 +73,12 @@ QString historyField(const QJsonObject& entry, const QString& name) {
     return entry[name][QStringLiteral("data")].toString();
 }
 
+QImage filledImage(QSize size, const QColor& color) {
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(color);
+    return image;
+}
+
 QString freshCaptureName() {
     return QStringLiteral("Screenshot_%1.png").arg(QUuid::createUuid().toString(QUuid::Id128));
 }
@@ -205,8 +211,7 @@ TEST(NotificationAttachment, NullImageOrMissingTemporaryFolderGivesNoFile) {
     TestFolder folder;
     EXPECT_EQ(writeNotificationAttachment(QImage()), QString());
 
-    QImage image(4, 4, QImage::Format_RGB32);
-    image.fill(Qt::blue);
+    const QImage image = filledImage({4, 4}, Qt::blue);
     const QString workingFolder = QDir::currentPath();
     const QStringList before = QDir(workingFolder).entryList(QDir::Files);
     {
@@ -223,8 +228,7 @@ TEST(NotificationAttachment, NullImageOrMissingTemporaryFolderGivesNoFile) {
 TEST(NotificationAttachment, LeftoversOfEndedRunsGoAndThoseOfRunningOnesStay) {
     TestFolder folder;
     const TemporaryFolderOverride override(folder.path());
-    QImage image(16, 16, QImage::Format_RGB32);
-    image.fill(Qt::cyan);
+    const QImage image = filledImage({16, 16}, Qt::cyan);
     const QString lookalike =
         folder.path(QStringLiteral("0A0A0A0A-0000-4000-8000-000000000000.png"));
     ASSERT_TRUE(image.save(lookalike, "png"));
@@ -263,18 +267,24 @@ TEST(NotificationAttachment, LeftoversOfEndedRunsGoAndThoseOfRunningOnesStay) {
     }
 }
 
+// Against the test desktop's dunst, starting with no notification shown.
+class FreedesktopNotifierOnDunst : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!inTestDesktop()) {
+            GTEST_SKIP() << "needs scripts/with-desktop";
+        }
+        ASSERT_TRUE(closeAllNotifications());
+    }
+};
+
 // Authorised while the desktop serves notifications; a notification without
 // an image is posted too.
-TEST(FreedesktopNotifier, PostedNotificationCarriesAppNameSummaryBodyAndImage) {
-    if (!inTestDesktop()) {
-        GTEST_SKIP() << "needs scripts/with-desktop";
-    }
-    ASSERT_TRUE(closeAllNotifications());
+TEST_F(FreedesktopNotifierOnDunst, PostedNotificationCarriesAppNameSummaryBodyAndImage) {
     TestFolder folder;
     const QString temporary = folder.path(QStringLiteral("a #folder"));
     QDir().mkpath(temporary);
-    QImage image(64, 48, QImage::Format_RGB32);
-    image.fill(Qt::darkCyan);
+    const QImage image = filledImage({64, 48}, Qt::darkCyan);
     QString imagePath;
     {
         TemporaryFolderOverride override(temporary);
@@ -303,15 +313,10 @@ TEST(FreedesktopNotifier, PostedNotificationCarriesAppNameSummaryBodyAndImage) {
     EXPECT_EQ(historyField(plain, QStringLiteral("icon_path")), QString());
 }
 
-TEST(FreedesktopNotifier, AttachmentsGoWhenTheirNotificationsClose) {
-    if (!inTestDesktop()) {
-        GTEST_SKIP() << "needs scripts/with-desktop";
-    }
-    ASSERT_TRUE(closeAllNotifications());
+TEST_F(FreedesktopNotifierOnDunst, AttachmentsGoWhenTheirNotificationsClose) {
     TestFolder folder;
     const TemporaryFolderOverride override(folder.path());
-    QImage image(32, 24, QImage::Format_RGB32);
-    image.fill(Qt::darkMagenta);
+    const QImage image = filledImage({32, 24}, Qt::darkMagenta);
     const QString closedByUser = writeNotificationAttachment(image);
     const QString stillShown = writeNotificationAttachment(image);
     ASSERT_TRUE(QFileInfo::exists(closedByUser) && QFileInfo::exists(stillShown));
@@ -332,11 +337,7 @@ TEST(FreedesktopNotifier, AttachmentsGoWhenTheirNotificationsClose) {
 
 // Clicking each popup reports that popup's body. Two notifiers sharing one
 // bus connection each see the other's clicks; each reports only its own.
-TEST(FreedesktopNotifier, ReportsOnlyClicksOnItsOwnNotifications) {
-    if (!inTestDesktop()) {
-        GTEST_SKIP() << "needs scripts/with-desktop";
-    }
-    ASSERT_TRUE(closeAllNotifications());
+TEST_F(FreedesktopNotifierOnDunst, ReportsOnlyClicksOnItsOwnNotifications) {
     FreedesktopNotifier first;
     FreedesktopNotifier second;
     QSignalSpy firstActivated(&first, &Notifier::activated);
@@ -380,9 +381,7 @@ TEST(FreedesktopNotifier, PrivateBusWithoutNotificationServiceIsNotAuthorised) {
         // The bus answers Notify with an error; that must go by quietly, and
         // the picture nobody will show goes at once.
         const TemporaryFolderOverride override(folder.path());
-        QImage image(8, 8, QImage::Format_RGB32);
-        image.fill(Qt::red);
-        const QString attachment = writeNotificationAttachment(image);
+        const QString attachment = writeNotificationAttachment(filledImage({8, 8}, Qt::red));
         ASSERT_TRUE(QFileInfo::exists(attachment));
         notifier.post(QStringLiteral("Screenshot saved"), freshCaptureName(), attachment);
         EXPECT_TRUE(QTest::qWaitFor([&] { return !QFileInfo::exists(attachment); }, kWaitMs));
