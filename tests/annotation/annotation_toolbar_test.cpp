@@ -22,21 +22,13 @@ Annotation someRectangle() {
     return Annotation{Annotation::Rectangle{QRectF(1, 2, 30, 40), Qt::red}};
 }
 
-// Buttons in the order a screen reader meets them.
-QStringList accessibleNamesInLayoutOrder(QWidget& palette) {
-    QStringList names;
+// One text of each button, in the order a screen reader meets them.
+QStringList inLayoutOrder(QWidget& palette, QString (QWidget::*text)() const) {
+    QStringList texts;
     for (QAbstractButton* button : palette.findChildren<QAbstractButton*>()) {
-        names << button->accessibleName();
+        texts << (button->*text)();
     }
-    return names;
-}
-
-QStringList toolTipsInLayoutOrder(QWidget& palette) {
-    QStringList tips;
-    for (QAbstractButton* button : palette.findChildren<QAbstractButton*>()) {
-        tips << button->toolTip();
-    }
-    return tips;
+    return texts;
 }
 
 // The tools a palette shows as picked.
@@ -92,14 +84,21 @@ class AnnotationToolbarTest : public QObject {
 
 private Q_SLOTS:
     // Names are the plain labels; tooltips add the key that does the same,
-    // as Linux keyboards spell it.
-    void toolbarShowsToolsSwatchUndoAndSaveInOrderWithTheirTooltips() {
+    // as Linux keyboards spell it; the sidebar's keys and swatch differ.
+    void palettesShowToolsSwatchUndoAndSaveInOrderWithTheirTooltips() {
         AnnotationState state;
+        AnnotationSidebar sidebar(&state);
+        QCOMPARE(inLayoutOrder(sidebar, &QWidget::accessibleName),
+                 (kToolLabels + QStringList{"Stroke color", "Undo", "Save"}));
+        QCOMPARE(inLayoutOrder(sidebar, &QWidget::toolTip),
+                 (kToolTips + QStringList{"Stroke color", "Undo (Ctrl+Z)", "Save (Ctrl+S)"}));
+        QCOMPARE(sidebar.width(), 44);
+
         AnnotationToolbar toolbar(&state);
-        const QStringList names = kToolLabels + QStringList{"Color", "Undo", "Save"};
-        const QStringList tips = kToolTips + QStringList{"Color", "Undo (Ctrl+Z)", "Save (Return)"};
-        QCOMPARE(accessibleNamesInLayoutOrder(toolbar), names);
-        QCOMPARE(toolTipsInLayoutOrder(toolbar), tips);
+        QCOMPARE(inLayoutOrder(toolbar, &QWidget::accessibleName),
+                 (kToolLabels + QStringList{"Color", "Undo", "Save"}));
+        QCOMPARE(inLayoutOrder(toolbar, &QWidget::toolTip),
+                 (kToolTips + QStringList{"Color", "Undo (Ctrl+Z)", "Save (Return)"}));
         // Left to right on screen as well.
         toolbar.show();
         QVERIFY(QTest::qWaitForWindowExposed(&toolbar));
@@ -110,53 +109,39 @@ private Q_SLOTS:
         }
     }
 
-    void sidebarSpellsItsKeysDifferently() {
-        AnnotationState state;
-        AnnotationSidebar sidebar(&state);
-        const QStringList names = kToolLabels + QStringList{"Stroke color", "Undo", "Save"};
-        const QStringList tips =
-            kToolTips + QStringList{"Stroke color", "Undo (Ctrl+Z)", "Save (Ctrl+S)"};
-        QCOMPARE(accessibleNamesInLayoutOrder(sidebar), names);
-        QCOMPARE(toolTipsInLayoutOrder(sidebar), tips);
-        QCOMPARE(sidebar.width(), 44);
-    }
-
+    // In either palette; after a reset the pencil is the active tool with
+    // drawing off, and pressing it must switch drawing on, not toggle it off.
     void clickingEachToolSelectsItAndSwitchesDrawingOn() {
         AnnotationState state;
         AnnotationToolbar toolbar(&state);
+        AnnotationSidebar sidebar(&state);
         toolbar.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&toolbar));
+        sidebar.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&toolbar) && QTest::qWaitForWindowExposed(&sidebar));
         for (const AnnotationTool tool : kAllAnnotationTools) {
-            state.reset();
-            QVERIFY(!state.isDrawingEnabled());
-            QTest::mouseClick(toolbar.toolButton(tool), Qt::LeftButton);
-            QCOMPARE(state.activeTool(), tool);
-            QVERIFY(state.isDrawingEnabled());
+            for (PaletteToolButton* button : {toolbar.toolButton(tool), sidebar.toolButton(tool)}) {
+                state.reset();
+                QVERIFY(!state.isDrawingEnabled());
+                QVERIFY(!button->isActive() && !button->isChecked());
+                QTest::mouseClick(button, Qt::LeftButton);
+                QCOMPARE(state.activeTool(), tool);
+                QVERIFY(state.isDrawingEnabled());
+                QVERIFY(button->isActive() && button->isChecked());
+            }
         }
     }
 
-    void pressingTheActiveToolAgainSwitchesDrawingBackOn() {
-        AnnotationState state;
-        AnnotationSidebar sidebar(&state);
-        sidebar.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&sidebar));
-        state.selectTool(AnnotationTool::blur);
-        state.reset();  // back to the pencil, drawing off: nothing looks picked
-        PaletteToolButton* pencil = sidebar.toolButton(AnnotationTool::pencil);
-        QVERIFY(!pencil->isActive());
-        QVERIFY(!pencil->isChecked());
-        QTest::mouseClick(pencil, Qt::LeftButton);
-        QVERIFY(state.isDrawingEnabled());
-        QVERIFY(pencil->isActive());
-        QVERIFY(pencil->isChecked());  // the click did not toggle it off
-    }
-
     // The highlighted tool is the one a drag draws with, so none is
-    // highlighted until drawing is switched on by picking one.
-    void highlightFollowsTheState() {
+    // highlighted until drawing is switched on by picking one. The swatches
+    // show the current colour.
+    void highlightAndSwatchFollowTheState() {
         AnnotationState state;
         AnnotationToolbar toolbar(&state);
         AnnotationSidebar sidebar(&state);
+        QCOMPARE(toolbar.colorSwatch()->color(), AnnotationState::kInitialColor);
+        state.setCurrentColor(QColor(10, 200, 30));
+        QCOMPARE(toolbar.colorSwatch()->color(), QColor(10, 200, 30));
+        QCOMPARE(sidebar.colorSwatch()->color(), QColor(10, 200, 30));
         QCOMPARE(activeTools(toolbar), Tools{});
         QCOMPARE(activeTools(sidebar), Tools{});
         state.selectTool(AnnotationTool::highlighter);
@@ -173,16 +158,6 @@ private Q_SLOTS:
         state.selectTool(AnnotationTool::pencil);
         QCOMPARE(activeTools(toolbar), Tools{AnnotationTool::pencil});
         QCOMPARE(activeTools(sidebar), Tools{AnnotationTool::pencil});
-    }
-
-    void swatchesShowTheCurrentColor() {
-        AnnotationState state;
-        AnnotationToolbar toolbar(&state);
-        AnnotationSidebar sidebar(&state);
-        QCOMPARE(toolbar.colorSwatch()->color(), AnnotationState::kInitialColor);
-        state.setCurrentColor(QColor(10, 200, 30));
-        QCOMPARE(toolbar.colorSwatch()->color(), QColor(10, 200, 30));
-        QCOMPARE(sidebar.colorSwatch()->color(), QColor(10, 200, 30));
     }
 
     void undoAndSaveReachTheirTargets() {
