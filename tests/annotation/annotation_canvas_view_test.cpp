@@ -103,6 +103,16 @@ private:
         return ink;
     }
 
+    // Opens the text field with a click at `at` and types `text` into it.
+    QLineEdit* typeAt(QPoint at, const QString& text) {
+        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, at);
+        QLineEdit* field = canvas->textField();
+        if (field) {
+            QTest::keyClicks(field, text);
+        }
+        return field;
+    }
+
     bool activate() const {
         canvas->activateWindow();
         return QTest::qWaitForWindowActive(canvas.get());
@@ -130,12 +140,9 @@ private Q_SLOTS:
         state.reset();
     }
 
-    void publishesItsSizeAndName() {
+    void publishesItsSizeAndIgnoresTheMouseUntilAToolIsSelected() {
         QCOMPARE(state->canvasSize(), QSizeF(400, 300));
         QCOMPARE(canvas->accessibleName(), QStringLiteral("Annotation canvas"));
-    }
-
-    void ignoresTheMouseUntilAToolIsSelected() {
         drag({10, 10}, {100, 100});
         QVERIFY(state->annotations().isEmpty());
         state->selectTool(AnnotationTool::rectangle);
@@ -278,21 +285,16 @@ private Q_SLOTS:
         QCOMPARE(text->font.pixelSize(), 16);
 
         // Blank text and escaped text leave nothing.
-        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
-        QTest::keyClicks(canvas->textField(), QStringLiteral("   "));
-        QTest::keyClick(canvas->textField(), Qt::Key_Return);
+        QTest::keyClick(typeAt({50, 60}, QStringLiteral("   ")), Qt::Key_Return);
         QVERIFY(!canvas->textField());
-        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
-        QTest::keyClicks(canvas->textField(), QStringLiteral("gone"));
-        QTest::keyClick(canvas->textField(), Qt::Key_Escape);
+        QTest::keyClick(typeAt({50, 60}, QStringLiteral("gone")), Qt::Key_Escape);
         QVERIFY(!canvas->textField());
         QCOMPARE(state->annotations().size(), 1);
     }
 
     void pressElsewhereEndsTheTextField() {
         state->selectTool(AnnotationTool::text);
-        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(50, 60));
-        QTest::keyClicks(canvas->textField(), QStringLiteral(" first "));
+        QVERIFY(typeAt({50, 60}, QStringLiteral(" first ")));
         QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(150, 160));
         QVERIFY(!canvas->textField());  // the press only ended the text
         auto* first = lastAs<Annotation::Text>();
@@ -307,8 +309,7 @@ private Q_SLOTS:
         QCOMPARE(state->annotations().size(), 1);
 
         // Picking another tool ends the text too.
-        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(150, 160));
-        QTest::keyClicks(canvas->textField(), QStringLiteral("second"));
+        QVERIFY(typeAt({150, 160}, QStringLiteral("second")));
         state->selectTool(AnnotationTool::rectangle);
         QVERIFY(!canvas->textField());
         QCOMPARE(state->annotations().size(), 2);
@@ -358,8 +359,7 @@ private Q_SLOTS:
     void commitOpenTextKeepsTypedTextAndClosesTheField() {
         QVERIFY(!canvas->commitOpenText());  // no field: nothing to do
         state->selectTool(AnnotationTool::text);
-        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(80, 90));
-        QTest::keyClicks(canvas->textField(), QStringLiteral(" unsaved note "));
+        QVERIFY(typeAt({80, 90}, QStringLiteral(" unsaved note ")));
         QVERIFY(canvas->commitOpenText());
         QVERIFY(!canvas->textField());
         auto* text = lastAs<Annotation::Text>();
@@ -367,8 +367,7 @@ private Q_SLOTS:
         QCOMPARE(text->text, QStringLiteral("unsaved note"));
         QCOMPARE(text->origin, QPointF(80, 90));
 
-        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(80, 150));
-        QTest::keyClicks(canvas->textField(), QStringLiteral("  "));
+        QVERIFY(typeAt({80, 150}, QStringLiteral("  ")));
         QVERIFY(!canvas->commitOpenText());
         QVERIFY(!canvas->textField());
         QCOMPARE(state->annotations().size(), 1);
@@ -377,8 +376,7 @@ private Q_SLOTS:
 
     void textStaysPutWhenConfirmedAndInTheSavedImage() {
         state->selectTool(AnnotationTool::text);
-        QTest::mouseClick(canvas.get(), Qt::LeftButton, {}, QPoint(60, 3));  // near the top
-        QTest::keyClicks(canvas->textField(), QStringLiteral("Typed Hjg"));
+        QVERIFY(typeAt({60, 3}, QStringLiteral("Typed Hjg")));  // near the top
         const QRect typed = fieldTextInk();
         QVERIFY(!typed.isEmpty());
         QTest::keyClick(canvas->textField(), Qt::Key_Return);
@@ -405,9 +403,7 @@ private Q_SLOTS:
     void paintsFilteredRegionsAndTheCropSurround() {
         state->add({Annotation::Blur{QRectF(100, 100, 100, 80)}});
         state->add({Annotation::Crop{QRectF(50, 50, 300, 200)}});
-        QImage painted(canvas->size(), QImage::Format_ARGB32_Premultiplied);
-        painted.fill(Qt::white);
-        canvas->render(&painted);
+        const QImage painted = shown();
         const QImage& source = canvas->sourceImage();
         const QRect inner(110, 110, 80, 60);
         QVERIFY(greyVariance(painted, inner) < greyVariance(source, inner) / 20);
@@ -419,14 +415,11 @@ private Q_SLOTS:
 
     void newSourceImageRefiltersRegions() {
         state->add({Annotation::Pixelate{QRectF(100, 100, 60, 60)}});
-        QImage first(canvas->size(), QImage::Format_ARGB32_Premultiplied);
-        canvas->render(&first);
+        shown();  // filters the region over the first source
         QImage red(800, 600, QImage::Format_ARGB32_Premultiplied);  // twice the canvas size
         red.fill(Qt::red);
         canvas->setSourceImage(red);
-        QImage second(canvas->size(), QImage::Format_ARGB32_Premultiplied);
-        second.fill(Qt::white);
-        canvas->render(&second);
+        const QImage second = shown();
         QCOMPARE(second.pixelColor(130, 130), QColor(Qt::red));
         QCOMPARE(second.pixelColor(90, 130), QColor(Qt::white));
     }
