@@ -54,6 +54,16 @@ bool isPng(const QByteArray& bytes) {
     return bytes.startsWith(QByteArray("\x89PNG\r\n\x1a\n", 8));
 }
 
+ScreenshotItem itemAt(const QString& path) {
+    return ScreenshotItem(path, QDateTime::currentDateTime(), QDateTime::currentDateTime());
+}
+
+// Closes a window as its title bar button does; it fades out, then goes.
+void closeUntilGone(QPointer<QWidget>& window) {
+    window->close();
+    QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+}
+
 }  // namespace
 
 class ScreenshotPreviewViewTest : public QObject {
@@ -84,9 +94,8 @@ private:
     // Opens a view on `path` sized so that an 800 × 600 picture is shown at
     // exactly half size, and waits until the picture is read.
     void openView(const QString& path) {
-        view = std::make_unique<ScreenshotPreviewView>(
-            ScreenshotItem(path, QDateTime::currentDateTime(), QDateTime::currentDateTime()),
-            library->metadata, library->store());
+        view = std::make_unique<ScreenshotPreviewView>(itemAt(path), library->metadata,
+                                                       library->store());
         const int besideImage = AnnotationSidebar::kWidth + 1 + PreviewSidebar::kWidth;
         view->resize(besideImage + 448, 348);
         view->show();
@@ -108,8 +117,7 @@ private:
     // A preview window as the gallery opens it, with its picture read.
     QPointer<QWidget> openWindow(const QString& path) {
         QPointer<QWidget> window = ScreenshotPreviewWindowController::open(
-            ScreenshotItem(path, QDateTime::currentDateTime(), QDateTime::currentDateTime()),
-            library->metadata, library->store());
+            itemAt(path), library->metadata, library->store());
         [&] {
             QVERIFY(QTest::qWaitForWindowExposed(window));
             QTRY_VERIFY_WITH_TIMEOUT(
@@ -249,8 +257,7 @@ private Q_SLOTS:
         QTest::mouseClick(shown->annotationSidebar()->saveButton(), Qt::LeftButton);
         QVERIFY(saved.wait(10000));
         QVERIFY(countRed(QImage(path).copy(textArea(at + QPoint(0, 100)))) > 100);
-        window->close();
-        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+        closeUntilGone(window);
     }
 
     void shapesOutsideThePictureAreCutAwayAndCropApplies() {
@@ -311,10 +318,7 @@ private Q_SLOTS:
 
     void unreadablePictureLeavesTheAreaEmptyAndSaveDoesNothing() {
         const QString path = filePath(QStringLiteral("broken.png"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("this is not a picture");
-        file.close();
+        writeFileBytes(path, "this is not a picture");
         openView(path);
         QVERIFY(!view->loadedImage());
         QVERIFY(view->imageDisplayRect().isEmpty());
@@ -332,11 +336,7 @@ private Q_SLOTS:
         const QString path = writePicture(QStringLiteral("shot.png"));
         writePicture(QStringLiteral("taken.png"));
         library->metadata.setColorLabel(ColorLabel::blue, path);
-        QPointer<QWidget> window = ScreenshotPreviewWindowController::open(
-            ScreenshotItem(path, QDateTime::currentDateTime(), QDateTime::currentDateTime()),
-            library->metadata, library->store());
-        QVERIFY(window);
-        QVERIFY(QTest::qWaitForWindowExposed(window));
+        QPointer<QWidget> window = openWindow(path);
         QCOMPARE(window->windowTitle(), QStringLiteral("shot"));
         QCOMPARE(window->size(), QSize(960, 640));
         QCOMPARE(window->minimumSize(), QSize(600, 400));
@@ -388,10 +388,7 @@ private Q_SLOTS:
         controller->view()->save();
         QVERIFY(saved.wait(10000));
         QVERIFY(!QFile::exists(path));
-
-        // Closing fades out, then the window is really gone.
-        window->close();
-        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+        closeUntilGone(window);
     }
 
     void colourSwatchesAndEventsWriteTheMetadata() {
@@ -569,8 +566,7 @@ private Q_SLOTS:
         const QRect available = window->screen()->availableGeometry();
         QCOMPARE(window->size(), Controller::fittedGeometry(available).size());
         QVERIFY(available.contains(window->frameGeometry()));
-        window->close();
-        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+        closeUntilGone(window);
     }
 
     // A picture beyond what the program may allocate for one image says so
@@ -594,8 +590,7 @@ private Q_SLOTS:
         const QString path = writePicture(QStringLiteral("later.png"), {64, 48});
         int closeRequests = 0;
         ScreenshotPreviewWindowController::setPopoverCloser([&closeRequests] { ++closeRequests; });
-        ScreenshotPreviewWindowController::show(
-            ScreenshotItem(path, QDateTime::currentDateTime(), QDateTime::currentDateTime()));
+        ScreenshotPreviewWindowController::show(itemAt(path));
         QCOMPARE(closeRequests, 1);
         QWidget* opened = nullptr;
         QTRY_VERIFY_WITH_TIMEOUT(
@@ -610,8 +605,7 @@ private Q_SLOTS:
             5000);
         ScreenshotPreviewWindowController::setPopoverCloser({});
         QPointer<QWidget> window = opened;
-        window->close();
-        QTRY_VERIFY_WITH_TIMEOUT(window.isNull(), 5000);
+        closeUntilGone(window);
     }
 };
 
