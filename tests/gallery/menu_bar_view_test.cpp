@@ -305,13 +305,6 @@ private Q_SLOTS:
         QVERIFY(!view.colorSwatch(ColorLabel::purple)->isSelected());
     }
 
-    void filterSetWhileClosedShowsTheAccentLookAndDot() {
-        MenuBarView& view = openView(kThreeFiles);
-        view.setMediaFilter(MenuBarView::MediaFilter::photos);
-        QVERIFY(view.filterToggle()->filtersActive());
-        QVERIFY(view.filterDot()->isVisible());
-    }
-
     void chipsSwatchesAndToggleDrawTheirState() {
         // On a white host with a blue accent, so colours can be told apart.
         QWidget host;
@@ -423,7 +416,7 @@ private Q_SLOTS:
         QVERIFY(view.captionLabel()->isVisible());
     }
 
-    void headerShortcutFollowsTheSettings() {
+    void headerFollowsTheSettingsAndAFilterSetWhileClosed() {
         MenuBarView& view = openView(kThreeFiles);
         const QString before = view.shortcutView()->accessibleName();
         QCOMPARE(before,
@@ -433,6 +426,10 @@ private Q_SLOTS:
         QCOMPARE(view.shortcutView()->accessibleName(), displayString(changed));
         QVERIFY(view.shortcutView()->accessibleName() != before);
         QVERIFY(view.shortcutView()->isVisible());
+
+        view.setMediaFilter(MenuBarView::MediaFilter::photos);
+        QVERIFY(view.filterToggle()->filtersActive());
+        QVERIFY(view.filterDot()->isVisible());
     }
 
     void eachOpeningSlidesTheContentIn() {
