@@ -25,21 +25,20 @@
 #include "gallery/screenshot_list_model.h"
 #include "gallery/thumbnail_actions.h"
 #include "support/temporary_library.h"
+#include "support/test_support.h"
 
 namespace {
 
 constexpr int kWaitMs = 10000;
 const QSize kCell(160, 100);
 
-QString separatorText() {
-    return QStringLiteral("—");
-}
+const QString kDivider = QStringLiteral("—");
 
 // The entries of a menu as a user reads them, dividers as "—".
 QStringList entries(const QMenu& menu) {
     QStringList texts;
     for (const QAction* action : menu.actions()) {
-        texts << (action->isSeparator() ? separatorText() : action->text());
+        texts << (action->isSeparator() ? kDivider : action->text());
     }
     return texts;
 }
@@ -118,10 +117,6 @@ void answerPrompt(const QString& title, const QString& typed, const QString& but
     });
 }
 
-int grey(QRgb pixel) {
-    return qGray(pixel);
-}
-
 bool near(QRgb actual, const QColor& expected, int tolerance) {
     return std::abs(qRed(actual) - expected.red()) <= tolerance &&
            std::abs(qGreen(actual) - expected.green()) <= tolerance &&
@@ -192,19 +187,19 @@ private Q_SLOTS:
 
         const std::unique_ptr<QMenu> imageMenu(actions.buildMenu(*shot));
         QCOMPARE(entries(*imageMenu),
-                 QStringList({"Color Label", "Edit Event…", "Remove Event", "Copy Image",
-                              separatorText(), "Rename…", separatorText(), "Move to Trash"}));
+                 QStringList({"Color Label", "Edit Event…", "Remove Event", "Copy Image", kDivider,
+                              "Rename…", kDivider, "Move to Trash"}));
         for (const QAction* action : imageMenu->actions()) {
             QVERIFY2(action->isSeparator() || !action->icon().isNull(), qPrintable(action->text()));
         }
         QMenu* colors = imageMenu->actions().first()->menu();
         QVERIFY(colors);
         QCOMPARE(entries(*colors), QStringList({"Red", "Orange", "Yellow", "Green", "Blue",
-                                                "Purple", separatorText(), "None"}));
+                                                "Purple", kDivider, "None"}));
 
         const std::unique_ptr<QMenu> videoMenu(actions.buildMenu(*clip));
-        QCOMPARE(entries(*videoMenu), QStringList({"Color Label", "Add Event…", separatorText(),
-                                                   "Rename…", separatorText(), "Move to Trash"}));
+        QCOMPARE(entries(*videoMenu), QStringList({"Color Label", "Add Event…", kDivider, "Rename…",
+                                                   kDivider, "Move to Trash"}));
 
         // "Remove Event" clears title and note; the next menu no longer offers it.
         entry(*imageMenu, "Remove Event")->trigger();
@@ -245,14 +240,14 @@ private Q_SLOTS:
         QCOMPARE(library.metadata.recordFor(labelled->path()).colorLabel, ColorLabel::blue);
 
         // The current label's swatch carries the white tick; the others are plain.
-        const QImage current = ThumbnailActions::colorLabelIcon(ColorLabel::blue, true)
-                                   .pixmap(16, 16)
-                                   .toImage()
-                                   .convertToFormat(QImage::Format_ARGB32);
-        const QImage other = ThumbnailActions::colorLabelIcon(ColorLabel::blue, false)
-                                 .pixmap(16, 16)
-                                 .toImage()
-                                 .convertToFormat(QImage::Format_ARGB32);
+        const auto swatch = [](bool current) {
+            return ThumbnailActions::colorLabelIcon(ColorLabel::blue, current)
+                .pixmap(16, 16)
+                .toImage()
+                .convertToFormat(QImage::Format_ARGB32);
+        };
+        const QImage current = swatch(true);
+        const QImage other = swatch(false);
         auto whitePixels = [](const QImage& image) {
             int count = 0;
             for (int y = 0; y < image.height(); ++y) {
@@ -327,10 +322,7 @@ private Q_SLOTS:
         QVERIFY(library.openUntilIdle());
         const auto original = library.item("Screenshot 1.png");
         QVERIFY(original);
-        const QByteArray bytes = [&] {
-            QFile file(original->path());
-            return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        }();
+        const QByteArray bytes = readFileBytes(original->path());
         library.metadata.setColorLabel(ColorLabel::red, original->path());
         ThumbnailActions actions(library.metadata);
         actions.setLibrary(&library.store());
@@ -345,9 +337,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitFor([&] { return library.names() == QStringList({"Bug 12.png"}); },
                                 kWaitMs));
         QVERIFY(!QFile::exists(original->path()));
-        QFile renamed(library.desktop("Bug 12.png"));
-        QVERIFY(renamed.open(QIODevice::ReadOnly));
-        QCOMPARE(renamed.readAll(), bytes);
+        QCOMPARE(readFileBytes(library.desktop("Bug 12.png")), bytes);
         // The label stays filed under the old name.
         QVERIFY(!library.metadata.recordFor(library.desktop("Bug 12.png")).colorLabel);
         QCOMPARE(library.metadata.recordFor(original->path()).colorLabel, ColorLabel::red);
@@ -378,13 +368,8 @@ private Q_SLOTS:
         library.writePng("Desktop/a.png", {320, 200}, Qt::white, Qt::white);
         library.writePng("Desktop/b.png", {320, 200}, Qt::black, Qt::black);
         QVERIFY(library.openUntilIdle());
-        QFile aFile(library.desktop("a.png"));
-        QFile bFile(library.desktop("b.png"));
-        QVERIFY(aFile.open(QIODevice::ReadOnly) && bFile.open(QIODevice::ReadOnly));
-        const QByteArray a = aFile.readAll();
-        const QByteArray b = bFile.readAll();
-        aFile.close();
-        bFile.close();
+        const QByteArray a = readFileBytes(library.desktop("a.png"));
+        const QByteArray b = readFileBytes(library.desktop("b.png"));
         ThumbnailActions actions(library.metadata);
         actions.setLibrary(&library.store());
 
@@ -411,11 +396,8 @@ private Q_SLOTS:
         QVERIFY(outcome.result().has_value() && !outcome.result()->succeeded());
         QCOMPARE(outcome.result()->errorMessage, failureDetails);
 
-        QFile aAfter(library.desktop("a.png"));
-        QFile bAfter(library.desktop("b.png"));
-        QVERIFY(aAfter.open(QIODevice::ReadOnly) && bAfter.open(QIODevice::ReadOnly));
-        QCOMPARE(aAfter.readAll(), a);
-        QCOMPARE(bAfter.readAll(), b);
+        QCOMPARE(readFileBytes(library.desktop("a.png")), a);
+        QCOMPARE(readFileBytes(library.desktop("b.png")), b);
     }
 
     void copyImagePutsThePicturesPixelsOnTheClipboard() {
@@ -485,20 +467,20 @@ private Q_SLOTS:
         // corner, with a white triangle inside; picture cells have none.
         const QRect video = gallery.rectOf("clip.mp4");
         const QPoint discEdge = video.topLeft() + QPoint(4 + 3, 4 + 9);
-        QVERIFY2(grey(shot.pixel(discEdge)) < 140, qPrintable(describe(shot.pixel(discEdge))));
+        QVERIFY2(qGray(shot.pixel(discEdge)) < 140, qPrintable(describe(shot.pixel(discEdge))));
         int brightest = 0;
         for (int y = video.top() + 9; y < video.top() + 18; ++y) {
             for (int x = video.left() + 10; x < video.left() + 19; ++x) {
-                brightest = std::max(brightest, grey(shot.pixel(x, y)));
+                brightest = std::max(brightest, qGray(shot.pixel(x, y)));
             }
         }
         QVERIFY(brightest > 220);
         const QPoint plainCorner = plain.topLeft() + QPoint(4 + 3, 4 + 9);
-        QVERIFY(grey(shot.pixel(plainCorner)) > 240);
+        QVERIFY(qGray(shot.pixel(plainCorner)) > 240);
 
         // The age caption sits on a dark plate at the bottom right.
         const QPoint plate = plain.bottomRight() - QPoint(5, 9);
-        QVERIFY2(grey(shot.pixel(plate)) < 150, qPrintable(describe(shot.pixel(plate))));
+        QVERIFY2(qGray(shot.pixel(plate)) < 150, qPrintable(describe(shot.pixel(plate))));
     }
 
     void hoverShowsTheCardOnlyForCellsWithDetails() {
@@ -526,12 +508,12 @@ private Q_SLOTS:
         QVERIFY(hover("Tagged.png"));
         QCOMPARE(viewport->cursor().shape(), Qt::PointingHandCursor);
         QImage shot = gallery.grab();
-        QVERIFY2(grey(shot.pixel(cardSpot("Tagged.png"))) < 100,
+        QVERIFY2(qGray(shot.pixel(cardSpot("Tagged.png"))) < 100,
                  qPrintable(describe(shot.pixel(cardSpot("Tagged.png")))));
         // The badges gave way to the card: no age plate at the bottom right.
         const QRect tagged = gallery.rectOf("Tagged.png");
         const QPoint plate = tagged.bottomRight() - QPoint(5, 9);
-        QVERIFY(grey(shot.pixel(plate)) < 100);  // the card's own black
+        QVERIFY(qGray(shot.pixel(plate)) < 100);  // the card's own black
 
         // Without details only the cell grows: no card.
         QVERIFY(hover("Plain.png"));
@@ -539,9 +521,9 @@ private Q_SLOTS:
             [&] { return gallery.cell.hoverProgress(gallery.indexOf("Tagged.png")) == 0; },
             kWaitMs));
         shot = gallery.grab();
-        QVERIFY2(grey(shot.pixel(cardSpot("Plain.png"))) > 230,
+        QVERIFY2(qGray(shot.pixel(cardSpot("Plain.png"))) > 230,
                  qPrintable(describe(shot.pixel(cardSpot("Plain.png")))));
-        QVERIFY(grey(shot.pixel(cardSpot("Tagged.png"))) > 230);
+        QVERIFY(qGray(shot.pixel(cardSpot("Tagged.png"))) > 230);
 
         // Off every cell: no hover, the usual cursor.
         QTest::mouseMove(viewport, QPoint(viewport->width() - 2, viewport->height() - 2));
