@@ -75,10 +75,13 @@ protected:
         return store;
     }
 
-    static QStringList names(const ScreenshotStore& store) {
+    static QStringList names(const ScreenshotStore& store, bool sorted = false) {
         QStringList result;
         for (const ScreenshotItem& item : store.screenshots()) {
             result.append(item.fileName());
+        }
+        if (sorted) {
+            result.sort();
         }
         return result;
     }
@@ -92,13 +95,7 @@ protected:
     }
     static bool waitForNames(const ScreenshotStore& store, QStringList expected) {
         expected.sort();
-        return QTest::qWaitFor(
-            [&] {
-                QStringList listed = names(store);
-                listed.sort();
-                return listed == expected;
-            },
-            kEventTimeoutMs);
+        return QTest::qWaitFor([&] { return names(store, true) == expected; }, kEventTimeoutMs);
     }
 
     TestFolder folder;
@@ -119,9 +116,7 @@ TEST_F(ScreenshotStoreTest, ListsPngMp4AndMovOfBothFoldersInAnyCase) {
     writePng(desktop("folder.png/inside.png"));
 
     const auto store = openStore();
-    QStringList listed = names(*store);
-    listed.sort();
-    EXPECT_EQ(listed, QStringList({"X.PNG", "clip.Mov", "recording.mp4", "shot.png"}));
+    EXPECT_EQ(names(*store, true), QStringList({"X.PNG", "clip.Mov", "recording.mp4", "shot.png"}));
 }
 
 TEST_F(ScreenshotStoreTest, OwnCapturesFilterFollowsTheSettingWithoutRestart) {
@@ -515,7 +510,7 @@ bool everyThumbnailShows(const ScreenshotStore& store, QColor left, QColor right
 }
 
 TEST_F(ScreenshotStoreTest, TheListIsPublishedBeforeItsThumbnailsWhichFollowInBatches) {
-    const QStringList files = writeLargePngs(desktop(), 40, {800, 500}, Qt::green, Qt::yellow);
+    writeLargePngs(desktop(), 40, {800, 500}, Qt::green, Qt::yellow);
     ScreenshotStore store(desktop(), screenshots(), registry, settings, preferences);
     store.stopWatching();
     const PublicationLog log(store);
