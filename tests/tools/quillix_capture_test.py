@@ -282,7 +282,7 @@ def move_window(window, x, y):
     subprocess.run(["xdotool", "windowmove", str(window), str(x), str(y)], check=True)
 
 
-def wait_until_shown(test, window, width, height, expected):
+def wait_until_shown(window, width, height, expected):
     """Waits until the screen shows `expected` where the window sits; returns its position."""
     def shown():
         x, y = window_position(window)
@@ -341,7 +341,7 @@ class WindowCaptureTest(CaptureCase):
     def test_window_pixels_exact_even_when_covered_and_the_screen_is_left_alone(self):
         plain = self.show("qc-plain", 100, 200, 301, 203, seed=1)
         expected = plain.expected()
-        wait_until_shown(self, plain.id, plain.width, plain.height, expected)
+        wait_until_shown(plain.id, plain.width, plain.height, expected)
         self.assertImage(self.capture_window(plain.id, "plain.png"), 301, 203, expected)
 
         # Cover the middle of the window with another one, then capture again.
@@ -349,7 +349,7 @@ class WindowCaptureTest(CaptureCase):
         cover = self.show("qc-cover", 400, 500, 160, 120, seed=2)
         move_window(cover.id, x + 60, y + 40)
         cover_expected = cover.expected()
-        cover_x, cover_y = wait_until_shown(self, cover.id, 160, 120, cover_expected)
+        cover_x, cover_y = wait_until_shown(cover.id, 160, 120, cover_expected)
         self.assertLess(cover_x, x + plain.width)
         self.assertLess(cover_y, y + plain.height)
         self.assertImage(self.capture_window(plain.id, "covered.png"), 301, 203, expected)
@@ -362,7 +362,7 @@ class WindowCaptureTest(CaptureCase):
     def test_partly_off_screen_window_with_a_slow_owner(self):
         slow = self.show("qc-slow", 300, 300, 173, 91, seed=3, repaint_delay=0.2)
         expected = slow.expected()
-        wait_until_shown(self, slow.id, 173, 91, expected)
+        wait_until_shown(slow.id, 173, 91, expected)
         move_window(slow.id, 1850, 1040)
         wait_until(lambda: window_position(slow.id)[0] > 1800, what="the window to move")
         x, y = window_position(slow.id)
@@ -376,9 +376,9 @@ class WindowCaptureTest(CaptureCase):
                            override_redirect=True)
         expected = framed.expected()
         self.assertEqual(window_position(framed.id), (1007, 607))
-        wait_until_shown(self, framed.id, 211, 111, expected)
+        wait_until_shown(framed.id, 211, 111, expected)
         cover = self.show("qc-framed-cover", 1100, 650, 80, 60, seed=12, override_redirect=True)
-        wait_until_shown(self, cover.id, 80, 60, cover.expected())
+        wait_until_shown(cover.id, 80, 60, cover.expected())
         self.assertImage(self.capture_window(framed.id, "framed.png"), 211, 111, expected)
 
     def test_argb_window_keeps_its_alpha(self):
@@ -407,11 +407,11 @@ class WindowCaptureTest(CaptureCase):
         found = subprocess.run(["xdotool", "search", "--sync", "--name", "^qc-display$"],
                                capture_output=True, text=True, timeout=30).stdout.split()
         window = int(found[0])
-        wait_until_shown(self, window, width, height, expected)
+        wait_until_shown(window, width, height, expected)
         cover = self.show("qc-cover2", 400, 500, 50, 50, seed=6)
         x, y = window_position(window)
         move_window(cover.id, x + 20, y + 10)
-        wait_until_shown(self, cover.id, 50, 50, cover.expected())
+        wait_until_shown(cover.id, 50, 50, cover.expected())
         self.assertImage(self.capture_window(window, "display.png"), width, height, expected)
 
     def test_window_that_is_gone_or_not_shown(self):
@@ -518,12 +518,6 @@ class WithoutCompositeTest(CaptureCase):
         self.env = dict(os.environ, DISPLAY=f":{number}")
         probe = subprocess.run(["xdpyinfo"], env=self.env, capture_output=True, text=True)
         self.assertNotIn("Composite", probe.stdout)
-
-    def tearDown(self):
-        for window in self.windows:
-            window.stop()
-        self.windows = []
-        super().tearDown()
 
     def test_visible_and_partly_off_screen_windows(self):
         # No window manager here: windows sit exactly where they are created.
