@@ -95,11 +95,17 @@ bool moveIntoPlace(const QByteArray& temporary, const QByteArray& target, Atomic
 }
 
 // The temporary file is hidden ("." + name), so that what a crash leaves
-// behind is never listed as a capture or mistaken for one.
+// behind is never listed as a capture or mistaken for one; mkostemp puts
+// six characters in place of the X's.
+constexpr qsizetype kUniqueSuffixSize = 6;
+
+QString temporaryPrefix(const QString& path) {
+    return QLatin1Char('.') + QFileInfo(path).fileName() + QLatin1Char('.');
+}
+
 QByteArray temporaryTemplate(const QString& path) {
-    const QFileInfo info(path);
-    return QFile::encodeName(QDir(info.path()).filePath(QLatin1Char('.') + info.fileName())) +
-           ".XXXXXX";
+    return QFile::encodeName(QDir(QFileInfo(path).path()).filePath(temporaryPrefix(path))) +
+           QByteArray(kUniqueSuffixSize, 'X');
 }
 
 }  // namespace
@@ -124,4 +130,18 @@ bool writeFileAtomically(const QString& path, const QByteArray& data, AtomicWrit
     }
     syncDirectory(QFile::encodeName(QFileInfo(path).absolutePath()));
     return true;
+}
+
+int removeLeftoverTemporaryFiles(const QString& path) {
+    const QDir folder = QFileInfo(path).dir();
+    const QString prefix = temporaryPrefix(path);
+    int removed = 0;
+    const QStringList names = folder.entryList(QDir::Files | QDir::Hidden | QDir::System);
+    for (const QString& name : names) {
+        if (name.size() == prefix.size() + kUniqueSuffixSize && name.startsWith(prefix) &&
+            QFile::remove(folder.filePath(name))) {
+            ++removed;
+        }
+    }
+    return removed;
 }

@@ -26,3 +26,8 @@ enum class AtomicWriteMode {
 bool writeFileAtomically(const QString& path, const QByteArray& data,
                          AtomicWriteMode mode = AtomicWriteMode::replace,
                          std::optional<unsigned> permissions = std::nullopt);
+
+// Removes the temporary files that writes of `path` cut short by a crash or a
+// kill left beside it; returns how many. Only for files that nothing else
+// writes at the same time (a store's data file at its store's start).
+int removeLeftoverTemporaryFiles(const QString& path);

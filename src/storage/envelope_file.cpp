@@ -114,6 +114,9 @@ EnvelopeFile::EnvelopeFile(const QString& directory, const QString& fileName,
                            const QString& legacyDirectory, const QStringList& legacyNames)
     : path_(QDir(directory).filePath(fileName)) {
     createPrivateDirectory(directory);
+    // What a save cut short by a crash or a kill left behind; the file itself
+    // is whole, the old document or the new one.
+    removeLeftoverTemporaryFiles(path_);
     moveLegacyFileIn(path_, legacyDirectory, legacyNames);
 }
 
