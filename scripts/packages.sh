@@ -27,7 +27,10 @@ DESKTOP_PACKAGES=(
 # What scripts/package packs and checks with (the package.Layout test too).
 PACKAGE_PACKAGES=(dpkg-dev file binutils zip unzip lintian appstream desktop-file-utils)
 
-TEST_PACKAGES=(libgtest-dev at-spi2-core python3-pyatspi clang-format clang-tidy desktop-file-utils
+# libFuzzer and the clang that builds the fuzz targets (scripts/fuzz).
+FUZZ_PACKAGES=(clang libclang-rt-14-dev)
+
+TEST_PACKAGES=("${FUZZ_PACKAGES[@]}" libgtest-dev at-spi2-core python3-pyatspi clang-format clang-tidy desktop-file-utils
     "${PACKAGE_PACKAGES[@]}")
 
 # Installs whichever of the given packages are not installed yet.
