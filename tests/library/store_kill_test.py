@@ -21,7 +21,7 @@ import time
 import unittest
 
 HELPER = None
-KILLS = 100
+KILLS = 50
 # The store, its file, and the number of states before they come round again.
 STORES = [("settings", "settings.bin", None), ("registry", "registry.bin", 64),
           ("metadata", "metadata.bin", None), ("shelves", "shelves.bin", None)]

@@ -22,6 +22,7 @@
 #include <QRegularExpression>
 #include <cstdio>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "library/capture_registry.h"
@@ -68,7 +69,7 @@ struct StoreLoop {
 };
 
 StoreLoop settingsLoop(const QString& folder) {
-    auto* settings = new UserSettings(folder, QString());
+    auto settings = std::make_shared<UserSettings>(folder, QString());
     const QString prefix = QStringLiteral("/shelves/");
     return {
         [=] { return numberAfter(settings->lastShelfLocation().value_or(QString()), prefix); },
@@ -87,7 +88,7 @@ StoreLoop registryLoop(const QString& folder) {
             file.close();
         }
     }
-    auto* registry = new CaptureRegistry(folder, QString());
+    auto registry = std::make_shared<CaptureRegistry>(folder, QString());
     auto read = [=]() -> State {
         for (int index = 0; index < kRingSize; ++index) {
             if (registry->contains(CaptureRegistry::inodeOf(ringFile(folder, index)).value_or(0))) {
@@ -107,7 +108,7 @@ StoreLoop registryLoop(const QString& folder) {
 }
 
 StoreLoop metadataLoop(const QString& folder) {
-    auto* metadata = new ScreenshotMetadataStore(folder);
+    auto metadata = std::make_shared<ScreenshotMetadataStore>(folder);
     const QString picture = QDir(folder).filePath(QStringLiteral("Screenshot.png"));
     const QString prefix = QStringLiteral("Event ");
     return {[=] {
@@ -132,12 +133,22 @@ void matchFolderToFile(const ShelfItem& shelf, const State& state) {
     }
 }
 
+// The shelves' store and the settings it keeps its last folder in; the
+// store goes first.
+struct ShelvesAndSettings {
+    explicit ShelvesAndSettings(const QString& folder)
+        : settings(QDir(folder).filePath(QStringLiteral("settings")), QString()),
+          store(folder, QString(), settings, QDir(folder).filePath(QStringLiteral("parent"))) {}
+    UserSettings settings;
+    ShelfStore store;
+};
+
 StoreLoop shelvesLoop(const QString& folder) {
-    auto* settings = new UserSettings(QDir(folder).filePath(QStringLiteral("settings")), QString());
-    auto* shelves = new ShelfStore(folder, QString(), *settings,
-                                   QDir(folder).filePath(QStringLiteral("parent")));
+    const auto both = std::make_shared<ShelvesAndSettings>(folder);
+    ShelfStore* shelves = &both->store;
     const QString prefix = QStringLiteral("Shelf ");
     auto read = [=]() -> State {
+        (void)both;  // keeps the stores alive as long as the loop
         return shelves->shelves().isEmpty() ? std::nullopt
                                             : numberAfter(shelves->shelves().first().name, prefix);
     };
